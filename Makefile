@@ -1,0 +1,29 @@
+# The one door to the project. Everything lands in build/; the only thing touched outside is Debian's package database.
+SHELL := /bin/bash
+.DELETE_ON_ERROR:
+.PHONY: help prerequisites build test demo wizard screenshots bench coverage lint clean
+
+help:
+	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
+	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
+	@echo 'make build        build/setup.exe and the sample package build/package/ (about 1 minute)'
+	@echo 'make lint         format, static analysis (about 3 minutes)'
+	@echo 'make clean        remove build/'
+
+prerequisites:
+	@tools/prerequisites.sh
+
+build: prerequisites
+	@tools/build.sh release
+
+test: build
+	@tools/run-tests.sh release
+
+demo: build
+	@tools/demo.sh
+
+lint: prerequisites
+	@tools/lint.sh
+
+clean:
+	rm -rf build

@@ -1,0 +1,13 @@
+# What every target shares: warnings as errors, wide entry points, links that are the same byte for byte on each build.
+add_library(build_settings INTERFACE)
+target_compile_definitions(build_settings INTERFACE UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00)
+target_compile_options(build_settings INTERFACE
+    -Wall -Wextra -Werror
+    -ffunction-sections -fdata-sections
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+target_include_directories(build_settings INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/mfc)
+target_link_options(build_settings INTERFACE -static -municode -Wl,--gc-sections -Wl,--no-insert-timestamp)
+if(LUMACAP_COVERAGE)
+    target_compile_options(build_settings INTERFACE --coverage)
+    target_link_options(build_settings INTERFACE --coverage)
+endif()

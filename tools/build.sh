@@ -1,0 +1,14 @@
+#!/bin/bash
+# Configures and builds one preset. The release preset leaves build/setup.exe and the sample package build/package/.
+# usage: build.sh PRESET
+set -euo pipefail
+cd "$(dirname "$0")/.."
+preset=$1
+
+[ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
+echo "Building $preset (about a minute the first time, seconds after that)"
+cmake --build --preset "$preset" -- --quiet
+if [ "$preset" = release ]; then
+    cp -f build/release/out/setup.exe build/setup.exe
+    rm -rf build/package && cp -r build/release/package build/package
+fi
