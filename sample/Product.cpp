@@ -1,0 +1,143 @@
+// A stand-in for the imaging application: what the setup program meets of it, and no imaging. It stands in the list of
+// instances, shows a main window, registers on "-regonly" and takes back a part of that on "-unregonly".
+// Further switches, for demonstrations and tests:
+//   -nowindow       runs with no window until it is terminated
+//   -ignoreclose    doesn't end when told to close
+//   -hold FILE      keeps FILE open, with read sharing only, until its end
+//   -report FILE    appends its command line, a tab and its current folder to FILE, in UTF-8, once it is set up
+// The environment: LUMACAP_REPORT names a report file where no switch does; with LUMACAP_HANG set "-unregonly" takes
+// back nothing and hangs for a minute.
+
+#include "sample/InstanceEntry.h"
+#include "sample/Registration.h"
+
+#include <iterator>
+#include <stdlib.h>
+#include <wchar.h>
+
+namespace
+{
+
+const DWORD kHangTime = 60000;
+
+struct Options
+{
+    bool bRegister;
+    bool bUnregister;
+    bool bNoWindow;
+    bool bIgnoreClose;
+    const wchar_t* pszHold;
+    const wchar_t* pszReport;
+};
+
+// Arguments that aren't known are passed over: the shell hands over pictures to open, and a path with blanks that was
+// started without quotes arrives in pieces.
+Options ReadOptions()
+{
+    const struct
+    {
+        const wchar_t* pszName;
+        bool Options::*pbFlag;
+    } aFlags[] = {
+        { L"-regonly", &Options::bRegister },
+        { L"-unregonly", &Options::bUnregister },
+        { L"-nowindow", &Options::bNoWindow },
+        { L"-ignoreclose", &Options::bIgnoreClose },
+    };
+    Options options = {};
+    options.pszReport = _wgetenv(L"LUMACAP_REPORT");
+    for (int i = 1; i < __argc; ++i)
+    {
+        for (const auto& flag : aFlags)
+            if (wcscmp(__wargv[i], flag.pszName) == 0)
+                options.*flag.pbFlag = true;
+        if (i + 1 < __argc && wcscmp(__wargv[i], L"-hold") == 0)
+            options.pszHold = __wargv[++i];
+        else if (i + 1 < __argc && wcscmp(__wargv[i], L"-report") == 0)
+            options.pszReport = __wargv[++i];
+    }
+    return options;
+}
+
+void Report(const wchar_t* pszFile)
+{
+    if (pszFile == nullptr)
+        return;
+    wchar_t szFolder[MAX_PATH] = L"";
+    wchar_t szLine[2048];
+    char szBytes[3 * std::size(szLine)];
+    GetCurrentDirectoryW(MAX_PATH, szFolder);
+    const int cch = _snwprintf(szLine, std::size(szLine), L"%ls\t%ls\r\n", GetCommandLineW(), szFolder);
+    const int cb = WideCharToMultiByte(CP_UTF8, 0, szLine, cch, szBytes, sizeof(szBytes), nullptr, nullptr);
+
+    const HANDLE hFile = CreateFileW(pszFile, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD cbWritten = 0;
+    WriteFile(hFile, szBytes, static_cast<DWORD>(cb), &cbWritten, nullptr);
+    CloseHandle(hFile);
+}
+
+LRESULT CALLBACK MainWindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    if (nMessage == WM_CLOSE && GetWindowLongPtrW(hWnd, GWLP_USERDATA) != 0)
+        return 0;
+    if (nMessage == WM_DESTROY)
+        PostQuitMessage(0);
+    return DefWindowProcW(hWnd, nMessage, wParam, lParam);
+}
+
+void OpenMainWindow(HINSTANCE hInstance, bool bIgnoreClose)
+{
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = MainWindowProc;
+    windowClass.hInstance = hInstance;
+    windowClass.hIcon = LoadIconW(hInstance, MAKEINTRESOURCEW(1));
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_APPWORKSPACE + 1);
+    windowClass.lpszClassName = L"Lumacap8MainWindow";
+    RegisterClassW(&windowClass);
+    const HWND hWnd = CreateWindowExW(0, windowClass.lpszClassName, L"Lumacap 8", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                                      CW_USEDEFAULT, 640, 480, nullptr, nullptr, hInstance, nullptr);
+    SetWindowLongPtrW(hWnd, GWLP_USERDATA, bIgnoreClose);
+    ShowWindow(hWnd, SW_SHOWNORMAL);
+}
+
+void RunUntilClosed(HINSTANCE hInstance, const Options& options)
+{
+    if (!options.bNoWindow)
+        OpenMainWindow(hInstance, options.bIgnoreClose);
+    Report(options.pszReport);
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+        DispatchMessageW(&message);
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, LPWSTR, int)
+{
+    CInstanceEntry entry;
+    const Options options = ReadOptions();
+    // Closed by the process's end, however that comes.
+    if (options.pszHold != nullptr)
+        CreateFileW(options.pszHold, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+
+    if (options.bRegister)
+    {
+        RegisterProduct();
+        Report(options.pszReport);
+    }
+    else if (options.bUnregister && _wgetenv(L"LUMACAP_HANG") != nullptr)
+    {
+        Report(options.pszReport);
+        Sleep(kHangTime);
+    }
+    else if (options.bUnregister)
+    {
+        UnregisterProduct();
+        Report(options.pszReport);
+    }
+    else
+        RunUntilClosed(hInstance, options);
+    return 0;
+}
