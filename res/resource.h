@@ -34,5 +34,50 @@
 #define IDS_CLOSE_ONE_INSTANCE 33
 #define IDS_HELP_LINK 101
 
+// Dialog templates
+#define IDD_SETUP 103
+#define IDD_AGREEMENT 104
+#define IDD_INTRO 105
+#define IDD_FOLDER 106
+#define IDD_GROUP 107
+#define IDD_START 108
+
+// Frame; its other buttons are IDOK, the step forward, and IDCANCEL
+#define IDC_SETUP_BACK 3
+#define IDC_SETUP_SIDE 1002
+#define IDC_SETUP_LINE 1003
+
+// Welcome page
+#define IDC_INTRO_VERSION 1003
+
+// Agreement page
+#define IDC_AGREEMENT_TEXT 1000
+
+// Destination page; the radio buttons stand in the order of the install kinds
+#define IDC_FOLDER_USER 1001
+#define IDC_FOLDER_ALL 1002
+#define IDC_FOLDER_PORTABLE 1003
+#define IDC_FOLDER_BROWSE 1005
+#define IDC_FOLDER_HINT 1006
+#define IDC_FOLDER_PATH 1013
+
+// Program group page
+#define IDC_GROUP_NAME 1000
+#define IDC_GROUP_AUTOSTART 1008
+#define IDC_GROUP_DESKTOP 1009
+
+// Ready page, which is also the report
+#define IDC_START_PROGRESS 1009
+#define IDC_START_HEADLINE 1010
+#define IDC_START_TEXT 1011
+#define IDC_START_RUN 1012
+
+#ifndef IDC_STATIC
+#define IDC_STATIC (-1)
+#endif
+
+// Side picture of the frame
+#define IDB_SIDE 101
+
 // Icon of the executable
 #define IDI_SETUP 128

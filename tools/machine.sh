@@ -1,6 +1,7 @@
 # Throwaway Windows machines, made with Wine. Source this file, then:
 #   machine_start NAME   a fresh machine, cloned from a base made once; sets WINEPREFIX, DISPLAY and the rest
 #   machine_run CMD...   runs a Windows program on it and gives its exit code
+#   machine_wait_idle    waits until what the product and its setup started has ended
 #   machine_restart      restarts the machine: the boot list is worked through before the next program starts
 #   machine_stop         ends the machine's programs and its display, and removes it
 # A machine and its display belong to the shell that started them; `trap machine_stop EXIT` keeps that promise.
@@ -79,4 +80,22 @@ machine_stop() {
     rm -rf "$machine_dir"
     machine_dir=
     return 0
+}
+
+# Waits until the programs of the product and of its setup that still run on the machine have ended: 30 seconds at most.
+machine_wait_idle() {
+    local process
+    for _ in $(seq 300); do
+        process=
+        for process in /proc/[0-9]*; do
+            if tr '\0' '\n' <"$process/environ" 2>/dev/null | grep -qxF "WINEPREFIX=$WINEPREFIX" &&
+                tr '\0' ' ' <"$process/cmdline" 2>/dev/null | grep -qiE 'Lumacap8\.exe|LumUnInst\.exe|regsvr32|\.tmp '; then
+                sleep 0.1
+                continue 2
+            fi
+        done
+        return 0
+    done
+    echo 'machine.sh: a program of the product did not end' >&2
+    return 1
 }

@@ -1,0 +1,23 @@
+// Other running processes of the product: asks the user about them, and closes them by force. Also the boxes of the
+// program's start, which carry the caption of the setup and not of the product.
+#pragma once
+
+#include <afx.h>
+#include <windows.h>
+
+// Shows a box with the setup's caption and no owner, in the manner of MessageBoxW, whose result it gives.
+int ShowStartBox(const wchar_t* pszText, UINT nStyle);
+
+// A text for such a box: at most 255 characters of a string table text.
+CString LoadStartText(UINT nId);
+
+// The number of other processes in the shared list; -1 without a list.
+int CountOtherInstances();
+
+// Asks whether nOthers instances may be closed, unless the arguments from the second on say not to ask. False if the
+// user declines; the user has been told how to go on then.
+bool ConfirmClosingInstances(int nOthers);
+
+// Asks the other instances to close, gives each 10 milliseconds, and terminates it. nOthers is what was counted before
+// the user was asked; if an instance left the list since, the framework's invalid-argument exception is raised.
+void CloseOtherInstances(int nOthers);

@@ -1,0 +1,55 @@
+// The global objects. They come into being in the order in which they stand here, before the framework starts the
+// application, and go in the reverse order at every normal end of the process and every exit().
+#include "app/RunState.h"
+
+#include "app/Product.h"
+#include "app/StartBindings.h"
+
+int g_nSilent = SILENT_ON;
+int g_nInstallKind = KIND_ALL_USERS;
+int g_bFreshInstall = 0;
+int g_bUpgrade = 0;
+int g_bRunAfter = 0;
+int g_bAutoStart = 0;
+int g_bDeskIcon = 1;
+int g_bRebootNeeded = 0;
+int g_bSettingsCopied = 0;
+unsigned int g_nVerMajor = 0;
+unsigned int g_nVerMinor = 0;
+unsigned int g_nVerFix = 0;
+unsigned int g_nVerBuild = 0;
+RTL_OSVERSIONINFOEXW g_osVersion = {};
+decltype(&LookupPrivilegeValueW) g_pfnLookupPrivilegeValue = nullptr;
+decltype(&AdjustTokenPrivileges) g_pfnAdjustTokenPrivileges = nullptr;
+decltype(&OpenProcessToken) g_pfnOpenProcessToken = nullptr;
+decltype(&IsWow64Process) g_pfnIsWow64Process = nullptr;
+decltype(&IsWow64Process) g_pfnIsWow64ProcessOf = nullptr;
+
+const DWORD kAdditionalDataSize = 1024; // bytes; the product gives the same
+
+// The list of instances comes first and goes last: the process stands in it for all of its life.
+COXInstanceManager g_InstanceManager(kInstanceListName, kAdditionalDataSize, true);
+CSetupApp theApp;
+CString g_strInstDir;
+CString g_strSourceDir;
+CString g_strGroup;
+CString g_strSfxName;
+
+// Work of the start sequence that stands between the construction of two objects.
+struct CStartStep
+{
+    explicit CStartStep(void (*pfnStep)()) { pfnStep(); }
+};
+
+static void NameApplication()
+{
+    // Set ahead of the framework's own start, which would else take the name from another text.
+    theApp.m_pszAppName = _wcsdup(kProductName);
+    ReadOsVersion(&g_osVersion);
+}
+
+static const CStartStep s_nameApplication(NameApplication);
+static const CStartStep s_bindDynamicApis(BindDynamicApis);
+CString g_strNextText;
+CString g_strCancelText;
+static const CStartStep s_bindLibraryApi(BindLibraryApi);

@@ -1,0 +1,17 @@
+// The application object: the one place that decides what a run does.
+#pragma once
+
+#include <afxwin.h>
+
+class CSetupApp : public CWinApp
+{
+public:
+    CSetupApp();
+
+    // Decides the role and carries the run to its end. Returns 0, or 1 if the user turned the run down; both end in
+    // exit code 0.
+    virtual BOOL InitInstance() override;
+
+protected:
+    DECLARE_MESSAGE_MAP()
+};

@@ -1,0 +1,19 @@
+// Starts other programs, with a bounded wait or none, and asks for the privilege that a restart needs. What becomes of
+// a started program is never known here.
+#pragma once
+
+#include <windows.h>
+
+// Starts a program and waits at most dwWaitMs milliseconds for its end; 0 doesn't wait at all. A null working folder
+// stands for the install folder. Returns non-zero if the program was started; a command line of 520 characters or more
+// starts nothing. A program that outlasts the wait goes on.
+int RunAndWait(const wchar_t* pszCommandLine, const wchar_t* pszWorkingFolder, DWORD dwWaitMs);
+
+// Enables or disables one privilege of a token opened for adjusting. Returns 1 when the change was made, else 0.
+int SetPrivilege(HANDLE hToken, const wchar_t* pszPrivilege, bool bEnable);
+
+// Writes to the process's standard output, which leads nowhere unless it was redirected.
+void DiagPrint(const char* pszFormat, ...);
+
+// Asks for the shutdown privilege and restarts the computer. Returns to the caller in any case; failures aren't told.
+void RestartComputer();

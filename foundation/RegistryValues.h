@@ -1,0 +1,14 @@
+// Typed access to single registry values. Each operation opens the key, does its work and closes it; every failure
+// becomes one fixed result, and nothing is reported.
+#pragma once
+
+#include <afx.h>
+#include <windows.h>
+
+// The text of a value below hRoot; a null or empty name is the key's default value. Empty on every failure, and for a
+// text of 130 characters or more. The value's type isn't looked at: its bytes are taken as wide text.
+CString ReadRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName);
+
+// Store a value, making the key and its missing parents. Non-zero if it was stored.
+int WriteRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, const wchar_t* pszText);
+int WriteRegDword(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, DWORD dwValue);

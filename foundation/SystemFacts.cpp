@@ -1,0 +1,63 @@
+// What the flows ask of the machine.
+#include "foundation/SystemFacts.h"
+
+#include <shlobj.h>
+
+#include "app/RunState.h"
+#include "foundation/RegistryValues.h"
+
+struct ShellFolderValue
+{
+    int nFolder;
+    HKEY hRoot;
+    const wchar_t* pszValueName;
+};
+
+static const wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
+static const ShellFolderValue kShellFolderValues[] = {
+    { CSIDL_DESKTOP, HKEY_CURRENT_USER, L"Desktop" },
+    { CSIDL_PROGRAMS, HKEY_CURRENT_USER, L"Programs" },
+    { CSIDL_PERSONAL, HKEY_CURRENT_USER, L"Personal" },
+    { CSIDL_STARTUP, HKEY_CURRENT_USER, L"Startup" },
+    { CSIDL_COMMON_PROGRAMS, HKEY_LOCAL_MACHINE, L"Common Programs" },
+    { CSIDL_COMMON_STARTUP, HKEY_LOCAL_MACHINE, L"Common Startup" },
+    { CSIDL_COMMON_DESKTOPDIRECTORY, HKEY_LOCAL_MACHINE, L"Common Desktop" },
+    { CSIDL_APPDATA, HKEY_CURRENT_USER, L"AppData" },
+    { CSIDL_COMMON_APPDATA, HKEY_LOCAL_MACHINE, L"Common AppData" },
+    { CSIDL_MYPICTURES, HKEY_CURRENT_USER, L"MyPictures" },
+    { CSIDL_COMMON_DOCUMENTS, HKEY_LOCAL_MACHINE, L"Common Documents" },
+    { CSIDL_COMMON_PICTURES, HKEY_LOCAL_MACHINE, L"CommonPictures" },
+};
+
+static CString ReadShellFolderValue(int nFolder)
+{
+    for (const ShellFolderValue& row : kShellFolderValues)
+    {
+        if (row.nFolder == nFolder)
+            return ReadRegString(row.hRoot, kShellFoldersKey, row.pszValueName);
+    }
+    return ReadRegString(HKEY_CURRENT_USER, kShellFoldersKey, nullptr);
+}
+
+CString GetSpecialFolder(int nFolder)
+{
+    CString strFolder;
+    const HRESULT hr = SHGetFolderPathW(nullptr, nFolder | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT,
+                                        strFolder.GetBuffer(MAX_PATH));
+    strFolder.ReleaseBuffer();
+    return hr >= 0 ? strFolder : ReadShellFolderValue(nFolder);
+}
+
+int IsNT6OrLater()
+{
+    return g_osVersion.dwMajorVersion >= 6;
+}
+
+int IsWow64()
+{
+    BOOL bWow64 = FALSE;
+    if (g_pfnIsWow64Process != nullptr)
+        g_pfnIsWow64Process(GetCurrentProcess(), &bWow64);
+    return bWow64;
+}

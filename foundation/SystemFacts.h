@@ -1,0 +1,14 @@
+// What the flows ask of the machine: where a shell folder is, which Windows runs, how the process runs on it.
+#pragma once
+
+#include <afx.h>
+
+// The path of a shell folder by its CSIDL number, made by the shell if it is missing. If the shell fails, the path that
+// the registry's list of shell folders gives; empty if that has none either.
+CString GetSpecialFolder(int nFolder);
+
+// Non-zero on Windows Vista and later.
+int IsNT6OrLater();
+
+// Non-zero if this process is a 32-bit one on a 64-bit system; 0 if the system can't tell. Always 0 in a 64-bit build.
+int IsWow64();

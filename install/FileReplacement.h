@@ -1,0 +1,10 @@
+// Puts one package file in its place, whatever stands there: a read-only file, a hidden one, one in use.
+// The only writer of product files. Nothing is compared: an existing target is always replaced.
+#pragma once
+
+// Copies the file of that name in the source folder (it may hold a relative subfolder) into the target folder, under
+// the target name if one is given. Folders may end in a separator or not. Non-zero for success, also if both folders
+// are the same and no target name is given, which does nothing. A target that can be neither deleted nor renamed gives
+// 0, and the new file waits beside it for the boot.
+int ReplaceOneFile(const wchar_t* pszName, const wchar_t* pszSourceFolder, const wchar_t* pszTargetFolder,
+                   const wchar_t* pszTargetName);

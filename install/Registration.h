@@ -1,0 +1,7 @@
+// Tells the system about the product: where it is, how to open images with it, how to remove it.
+#pragma once
+
+// Writes the product's registry values for the folder, kind and version of the run state, and starts the registration
+// of the thumbnail handler. The same values for every kind, and all for the machine, whatever the kind; earlier ones
+// are written over. A write that fails is ignored, and the next one is tried.
+void RegisterWithSystem();

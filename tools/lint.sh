@@ -1,0 +1,30 @@
+#!/bin/bash
+# Format, warnings as errors, static analysis. Fails on the first kind of finding.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+folders=(app wizard install uninstall foundation mfc sample tests bench tools)
+mapfile -t sources < <(git ls-files -- "${folders[@]/%//*.cpp}")
+mapfile -t headers < <(git ls-files -- "${folders[@]/%//*.h}")
+
+echo "Format of ${#sources[@]} sources and ${#headers[@]} headers"
+clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
+
+echo "Compiler warnings as errors"
+tools/build.sh release >/dev/null
+
+echo "cppcheck (about half a minute)"
+cppcheck --quiet --error-exitcode=1 --std=c++17 --platform=win64 --language=c++ -j 2 \
+    --enable=warning,performance,portability --inline-suppr --library=windows \
+    --suppressions-list=tools/cppcheck-suppressions.txt -I . -I mfc \
+    "${sources[@]}"
+
+echo "clang-tidy (about two minutes)"
+# The compiler of the analysis isn't the one of the build: it gets the latter's target and library headers.
+gcc_include=/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include
+tidy_args=(--extra-arg=--target=x86_64-w64-windows-gnu --extra-arg=-Qunused-arguments
+    --extra-arg=-isystem"$gcc_include/c++" --extra-arg=-isystem"$gcc_include/c++/x86_64-w64-mingw32"
+    --extra-arg=-isystem/usr/x86_64-w64-mingw32/include)
+printf '%s\n' "${sources[@]}" | grep -v '^sample/' |
+    xargs -P 2 -n 6 clang-tidy --quiet -p build/release "${tidy_args[@]}" 2>build/clang-tidy.err
+echo "No findings"

@@ -1,0 +1,117 @@
+// Takes the product out of what the current user's shell has recorded for the product's image formats.
+#include "uninstall/AssociationRepair.h"
+
+#include <shlobj.h>
+
+#include "app/Product.h"
+#include "foundation/AssocExtensions.h"
+#include "foundation/BoundedText.h"
+#include "foundation/RegistryValues.h"
+#include "foundation/SystemFacts.h"
+#include "uninstall/RegistryWalk.h"
+
+static const wchar_t kUserChoice[] = L"UserChoice";
+static const wchar_t kSavedValue[] = L"LumacapOld"; // the product keeps the association from before itself here
+
+// By the index of g_aAssocExts: the association to put back, before Windows Vista; empty for none.
+static CString g_aSavedAssoc[kAssocExtCount];
+
+// The key below which each extension has its own, and the value there that holds its association.
+struct AssociationBase
+{
+    CKeyOwner key;
+    const wchar_t* pszValueName = nullptr;
+};
+
+static void OpenAssociationBase(AssociationBase& base)
+{
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts", 0,
+                      KEY_ALL_ACCESS, base.key.Receive()) == ERROR_SUCCESS)
+        base.pszValueName = L"Application";
+    else
+        RegOpenKeyExW(HKEY_CLASSES_ROOT, nullptr, 0, KEY_ALL_ACCESS, base.key.Receive());
+}
+
+static bool OpenExtension(const AssociationBase& base, int nIndex, CKeyOwner& extension)
+{
+    return base.key.IsOpen() && RegOpenKeyExW(base.key, g_aAssocExts[nIndex].pszExtension, 0, KEY_ALL_ACCESS,
+                                              extension.Receive()) == ERROR_SUCCESS;
+}
+
+static bool PointsAtProduct(const CString& strAssociation)
+{
+    return strAssociation.Find(kProductExe) >= 0;
+}
+
+static void Survey(const AssociationBase& base, int nIndex)
+{
+    g_aSavedAssoc[nIndex].Empty();
+    g_aAssocExts[nIndex].nFlag = 0;
+    CKeyOwner extension;
+    if (!OpenExtension(base, nIndex, extension))
+        return;
+
+    if (IsNT6OrLater())
+    {
+        // A choice of the class "Lumacap.8" is left alone, although newer systems are offered that class.
+        const CString strChoice = ReadRegString(extension, kUserChoice, L"Progid");
+        g_aAssocExts[nIndex].nFlag = strChoice.Find(L"Applications\\Lumacap8.exe") >= 0;
+        return;
+    }
+
+    const CString strAssociation = QueryRegText(extension, base.pszValueName);
+    g_aAssocExts[nIndex].nFlag = PointsAtProduct(strAssociation);
+    g_aSavedAssoc[nIndex] = PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation;
+}
+
+// True if the association was changed.
+static bool RemoveUserChoice(HKEY hExtension, int nIndex)
+{
+    const bool bOurs = g_aAssocExts[nIndex].nFlag != 0;
+    if (bOurs)
+        RegDeleteKeyW(hExtension, kUserChoice);
+    RegDeleteValueW(hExtension, kSavedValue);
+    return bOurs;
+}
+
+// True if the association was changed. One without a trace of the product keeps what the product saved.
+static bool RestoreAssociation(HKEY hExtension, const wchar_t* pszValueName, const CString& strSaved)
+{
+    if (!PointsAtProduct(QueryRegText(hExtension, pszValueName)))
+        return false;
+    if (strSaved.IsEmpty())
+        RegDeleteValueW(hExtension, pszValueName);
+    else
+        RegSetValueExW(hExtension, pszValueName, 0, REG_SZ,
+                       reinterpret_cast<const BYTE*>(static_cast<const wchar_t*>(strSaved)),
+                       static_cast<DWORD>((strSaved.GetLength() + 1) * sizeof(wchar_t)));
+    RegDeleteValueW(hExtension, kSavedValue);
+    return true;
+}
+
+static bool Repair(const AssociationBase& base, int nIndex)
+{
+    CKeyOwner extension;
+    if (!OpenExtension(base, nIndex, extension))
+        return false;
+    return IsNT6OrLater() ? RemoveUserChoice(extension, nIndex)
+                          : RestoreAssociation(extension, base.pszValueName, g_aSavedAssoc[nIndex]);
+}
+
+void RepairFileAssociations()
+{
+    AssociationBase base;
+    OpenAssociationBase(base);
+    // All formats are looked at before the first one is changed.
+    if (base.key.IsOpen())
+    {
+        for (int i = 0; i < kAssocExtCount; ++i)
+            Survey(base, i);
+    }
+
+    bool bChanged = false;
+    for (int i = 0; i < kAssocExtCount; ++i)
+        bChanged = Repair(base, i) || bChanged;
+    if (bChanged)
+        SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr);
+}

@@ -1,0 +1,45 @@
+// Files in use are handed to the operating system for the next boot.
+#include "uninstall/BootList.h"
+
+#include <windows.h>
+
+#include "app/RunState.h"
+#include "foundation/BoundedText.h"
+
+static const wchar_t kProfileName[] = L"WININIT.INI"; // in the Windows folder
+static const wchar_t kProfileSection[] = L"rename";
+static const wchar_t kDeletionKey[] = L"NUL=";
+const DWORD kSectionCapacity = 16384; // characters, the terminators included
+
+// Adds a deletion behind the entries of the profile section. Returns what WritePrivateProfileSectionW gave. A section
+// that would be too long ends the process.
+static BOOL AddProfileDeletion(const wchar_t* pszPath)
+{
+    wchar_t szSection[kSectionCapacity];
+    szSection[0] = 0;
+    const DWORD cch = GetPrivateProfileSectionW(kProfileSection, szSection, kSectionCapacity, kProfileName);
+
+    const size_t cchKey = wcslen(kDeletionKey);
+    const size_t cchPath = wcslen(pszPath);
+    const size_t nEnd = cch + cchKey + cchPath + 1;
+    if (nEnd >= kSectionCapacity)
+        StopOnRangeViolation();
+    wmemcpy(szSection + cch, kDeletionKey, cchKey);
+    wmemcpy(szSection + cch + cchKey, pszPath, cchPath + 1);
+    szSection[nEnd] = 0;
+    return WritePrivateProfileSectionW(kProfileSection, szSection, kProfileName);
+}
+
+void DeleteAtReboot(const wchar_t* pszPath)
+{
+    if (!MoveFileExW(pszPath, nullptr, MOVEFILE_DELAY_UNTIL_REBOOT))
+        AddProfileDeletion(pszPath);
+}
+
+void ReplaceAtReboot(const wchar_t* pszNewFile, const wchar_t* pszTarget)
+{
+    g_bRebootNeeded = MoveFileExW(pszNewFile, pszTarget, MOVEFILE_DELAY_UNTIL_REBOOT);
+    // The profile entry deletes the new file and doesn't name the target: the old file stays as it is. So be it.
+    if (!g_bRebootNeeded)
+        g_bRebootNeeded = AddProfileDeletion(pszNewFile);
+}

@@ -1,0 +1,132 @@
+// Takes away what a log names.
+#include "uninstall/LogReplay.h"
+
+#include <windows.h>
+
+#include "foundation/BoundedText.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/InstallLog.h"
+#include "uninstall/BootList.h"
+
+static const wchar_t* const kRemovedPrefixes[] = {
+    kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
+};
+
+static bool RemoveFilesOfRecord(const wchar_t* pszLine, const wchar_t* pszPrefix, const wchar_t* pszFolder)
+{
+    if (FindRecordValue(pszLine, pszPrefix) == nullptr)
+        return false;
+    DeleteMatchingFiles(pszFolder, GetNameToRemove(pszLine, pszPrefix));
+    return true;
+}
+
+static void RemoveFilesOfLine(const wchar_t* pszLine, const wchar_t* pszFolder, const wchar_t* pszOnlyPrefix)
+{
+    if (pszOnlyPrefix != nullptr)
+    {
+        RemoveFilesOfRecord(pszLine, pszOnlyPrefix, pszFolder);
+        return;
+    }
+    for (const wchar_t* pszPrefix : kRemovedPrefixes)
+    {
+        if (RemoveFilesOfRecord(pszLine, pszPrefix, pszFolder))
+            return;
+    }
+}
+
+void RemoveLoggedFiles(const wchar_t* pszLog, const wchar_t* pszFolder, const wchar_t* pszPrefix)
+{
+    CInstallLogReader log(pszLog);
+    while (log.ReadLine())
+        RemoveFilesOfLine(log.Line(), pszFolder, pszPrefix);
+
+    // All files go before any folder. The prefix restricts the files alone: an upgrade empties the list of folders too.
+    log.Rewind();
+    while (log.ReadLine())
+    {
+        const wchar_t* pszValue = FindRecordValue(log.Line(), kMakeDir);
+        if (pszValue == nullptr)
+            continue;
+        const CString strPath = CString(pszFolder) + L"\\" + pszValue;
+        if (!RemoveDirectoryW(strPath))
+            DeleteAtReboot(strPath);
+    }
+}
+
+// Stops at the first folder that holds anything else, or at the top, where the parent is the empty text.
+static void RemoveFolderAndEmptyParents(const wchar_t* pszFolder)
+{
+    CString strFolder(pszFolder);
+    while (RemoveDirectoryW(strFolder))
+        strFolder = ParentFolder(strFolder);
+}
+
+void RemoveLoggedLinks(const wchar_t* pszLog)
+{
+    CInstallLogReader log(pszLog);
+    while (log.ReadLine())
+    {
+        // A link that can't be deleted stays: links never go on the boot list.
+        if (const wchar_t* pszLink = FindRecordValue(log.Line(), kShellLink))
+            DeleteFileW(pszLink);
+    }
+
+    log.Rewind();
+    while (log.ReadLine())
+    {
+        if (const wchar_t* pszFolder = FindRecordValue(log.Line(), kMadeDir))
+            RemoveFolderAndEmptyParents(pszFolder);
+    }
+}
+
+// Deletes one match, or leaves it to the boot list, whatever the reason: a folder goes there too.
+static bool DeleteMatch(const wchar_t* pszPath)
+{
+    const DWORD dwAttributes = GetFileAttributesW(pszPath);
+    SetFileAttributesW(pszPath, dwAttributes & ~(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+    if (DeleteFileW(pszPath))
+        return true;
+    DeleteAtReboot(pszPath);
+    return false;
+}
+
+int DeleteMatchingFiles(const wchar_t* pszFolder, const wchar_t* pszMask)
+{
+    const CString strBase = *pszFolder != 0 ? WithSeparator(pszFolder) : CString();
+    const CString strMask(pszMask);
+
+    WIN32_FIND_DATAW match;
+    CFindOwner find(FindFirstFileW(strBase + strMask, &match));
+    if (!find.IsOpen())
+        return 0;
+
+    // Only the backslash counts here: a mask with a forward slash leads to a path without its subfolder, and that
+    // wrong path goes on the boot list. "." and ".." are matches like any other. Neither is to be tidied away.
+    const CString strMatchFolder = strBase + strMask.Left(strMask.ReverseFind(L'\\') + 1);
+    int nDeleted = 0;
+    do
+    {
+        if (DeleteMatch(strMatchFolder + match.cFileName))
+            ++nDeleted;
+    } while (FindNextFileW(find, &match));
+    return nDeleted;
+}
+
+int CountFolderEntries(const wchar_t* pszMask, const wchar_t* pszFolder)
+{
+    wchar_t szPattern[520];
+    FormatBounded(szPattern, 520, L"%s\\%s", pszFolder, pszMask);
+
+    WIN32_FIND_DATAW match;
+    CFindOwner find(FindFirstFileW(szPattern, &match));
+    if (!find.IsOpen())
+        return 0;
+
+    int nEntries = 0;
+    do
+    {
+        if (wcscmp(match.cFileName, L".") != 0 && wcscmp(match.cFileName, L"..") != 0)
+            ++nEntries;
+    } while (FindNextFileW(find, &match));
+    return nEntries;
+}

@@ -1,0 +1,94 @@
+// Takes the product out of the registry.
+#include "uninstall/RegistryRemoval.h"
+
+#include "foundation/BoundedText.h"
+#include "foundation/SystemFacts.h"
+#include "uninstall/RegistryWalk.h"
+
+enum RemovalAction
+{
+    REMOVE_TREE,         // the key with all below it
+    REMOVE_IF_CHILDLESS, // the key if no other product has one below it
+    REMOVE_CHILD_KEY,    // the child below the key, not if it has subkeys
+    REMOVE_CHILD_TREE,   // the child below the key with all below it
+    REMOVE_VALUE,        // the value of the key
+};
+
+struct Removal
+{
+    HKEY hRoot;
+    const wchar_t* pszKey;
+    RemovalAction action;
+    const wchar_t* pszName; // the child or the value
+    REGSAM samView = 0;     // a registry view to add to the access
+};
+
+static void RemoveBelowKey(const Removal& removal)
+{
+    CKeyOwner key;
+    if (RegOpenKeyExW(removal.hRoot, removal.pszKey, 0, KEY_ALL_ACCESS | removal.samView, key.Receive()) !=
+        ERROR_SUCCESS)
+        return;
+    if (removal.action == REMOVE_CHILD_KEY)
+        RegDeleteKeyW(key, removal.pszName);
+    else if (removal.action == REMOVE_CHILD_TREE)
+        DeleteRegTree(key, removal.pszName);
+    else
+        RegDeleteValueW(key, removal.pszName);
+}
+
+static void Remove(const Removal& removal)
+{
+    if (removal.action == REMOVE_TREE)
+        DeleteRegTree(removal.hRoot, removal.pszKey);
+    else if (removal.action == REMOVE_IF_CHILDLESS)
+        DeleteRegKeyIfChildless(removal.hRoot, removal.pszKey);
+    else
+        RemoveBelowKey(removal);
+}
+
+void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct, const wchar_t* pszUninstallKey,
+                           const wchar_t* pszExeName)
+{
+    wchar_t szProduct[kRegistryTextCapacity];
+    wchar_t szCompany[kRegistryTextCapacity];
+    wchar_t szApplication[kRegistryTextCapacity];
+    FormatBounded(szProduct, kRegistryTextCapacity, L"SOFTWARE\\%s\\%s", pszCompany, pszProduct);
+    FormatBounded(szCompany, kRegistryTextCapacity, L"SOFTWARE\\%s", pszCompany);
+    FormatBounded(szApplication, kRegistryTextCapacity, L"SOFTWARE\\Classes\\Applications\\%s", pszExeName);
+    static const wchar_t kHosts[] = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
+    const REGSAM samHosts = IsWow64() ? KEY_WOW64_64KEY : 0;
+
+    // The company's key can go only once the product's has gone.
+    const Removal kOwnKeys[] = {
+        { HKEY_LOCAL_MACHINE, szProduct, REMOVE_TREE, nullptr },
+        { HKEY_CURRENT_USER, szProduct, REMOVE_TREE, nullptr },
+        { HKEY_LOCAL_MACHINE, szCompany, REMOVE_IF_CHILDLESS, nullptr },
+        { HKEY_CURRENT_USER, szCompany, REMOVE_IF_CHILDLESS, nullptr },
+        { HKEY_LOCAL_MACHINE, szApplication, REMOVE_TREE, nullptr },
+    };
+    for (const Removal& removal : kOwnKeys)
+        Remove(removal);
+
+    ForEachUserHive(
+        [&](HKEY hUser)
+        {
+            DeleteRegTree(hUser, szProduct);
+            DeleteRegKeyIfChildless(hUser, szCompany);
+            DeleteRegTree(hUser, szApplication);
+        });
+
+    static const wchar_t kUninstall[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+    static const wchar_t kAppPaths[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths";
+    const Removal kSystemEntries[] = {
+        { HKEY_CLASSES_ROOT, L"LC8.Document", REMOVE_TREE, nullptr },
+        { HKEY_CLASSES_ROOT, L"Lumacap.8", REMOVE_TREE, nullptr },
+        { HKEY_LOCAL_MACHINE, kUninstall, REMOVE_CHILD_KEY, pszUninstallKey },
+        { HKEY_LOCAL_MACHINE, kAppPaths, REMOVE_CHILD_TREE, pszExeName },
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", REMOVE_VALUE, L"Lumacap.8" },
+        { HKEY_LOCAL_MACHINE, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
+        { HKEY_CURRENT_USER, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
+    };
+    for (const Removal& removal : kSystemEntries)
+        Remove(removal);
+}

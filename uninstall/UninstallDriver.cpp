@@ -1,0 +1,125 @@
+// The fixed sequence that takes the product off the machine.
+#include "uninstall/UninstallDriver.h"
+
+#include <shlobj.h>
+
+#include "app/Product.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/ProcessLaunch.h"
+#include "foundation/SystemFacts.h"
+#include "uninstall/AssociationRepair.h"
+#include "uninstall/BootList.h"
+#include "uninstall/LogReplay.h"
+#include "uninstall/RegistryRemoval.h"
+#include "uninstall/RegistryWalk.h"
+
+const DWORD kUnregisterWaitMs = 5000;
+const int kShortestFolder = 4; // characters; a path up to this length is no folder to sweep
+
+static void LetProductUnregister(const CString& strFolder)
+{
+    RunAndWait(L"\"" + strFolder + kProductExe + L"\" -unregonly", strFolder, kUnregisterWaitMs);
+}
+
+static void ReplayLogs(const CString& strFolder)
+{
+    const CString strSecondList = strFolder + kSecondListName;
+    const CString strList = strFolder + kFileListName;
+    RemoveLoggedLinks(strSecondList);
+    RemoveLoggedLinks(strList);
+    RemoveLoggedFiles(strSecondList, strFolder);
+    RemoveLoggedFiles(strList, strFolder);
+    DeleteMatchingFiles(strFolder, kFileListName);
+}
+
+// The parent folder of a product whose folder name is a nested one; this product's isn't.
+static void RemoveNestingFolder(const CString& strFolder)
+{
+    if (wcschr(kProductName, L'\\') == nullptr)
+        return;
+    CString strParent(strFolder);
+    strParent.TrimRight(L'\\');
+    strParent = strParent.Left(strParent.ReverseFind(L'\\'));
+    if (!RemoveDirectoryW(strParent))
+        DeleteAtReboot(strParent);
+}
+
+// The three folders are judged differently, and that stays: one goes on the boot list even if it was never there, the
+// next only if it stands, and the product's own only while that second one still stands.
+static void RemoveFolders(const CString& strFolder)
+{
+    const CString strX64 = strFolder + L"\\x64";
+    if (!RemoveDirectoryW(strX64))
+        DeleteAtReboot(strX64);
+
+    const CString strX32 = strFolder + L"\\x32";
+    if (!RemoveDirectoryW(strX32) && PathExists(strX32))
+        DeleteAtReboot(strX32);
+
+    if (!RemoveDirectoryW(strFolder) && PathExists(strX32))
+        DeleteAtReboot(strFolder);
+
+    RemoveNestingFolder(strFolder);
+}
+
+static void DeleteLink(const CString& strFolder)
+{
+    DeleteFileW(strFolder + L"\\" + kProductName + kLinkExtension);
+}
+
+// Takes whatever lies in the group of the default name, also what a user put there. A group of another name is reached
+// through the log alone.
+static void DeleteGroup(const CString& strPrograms)
+{
+    const CString strGroup = strPrograms + L"\\" + kProductName + L"\\";
+    DeleteMatchingFiles(strGroup, L"*.*");
+    RemoveDirectoryW(strGroup);
+}
+
+static void SweepMachineFolders()
+{
+    const CString strStartup = GetSpecialFolder(CSIDL_COMMON_STARTUP);
+    if (strStartup.GetLength() > kShortestFolder)
+        DeleteLink(strStartup);
+    const CString strDesktop = GetSpecialFolder(CSIDL_COMMON_DESKTOPDIRECTORY);
+    if (strDesktop.GetLength() > kShortestFolder)
+        DeleteLink(strDesktop);
+    const CString strPrograms = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
+    if (strPrograms.GetLength() > kShortestFolder)
+        DeleteGroup(strPrograms);
+}
+
+static void SweepUserFolders(HKEY hUser)
+{
+    CKeyOwner folders;
+    if (RegOpenKeyExW(hUser, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", 0,
+                      KEY_ALL_ACCESS, folders.Receive()) != ERROR_SUCCESS)
+        return;
+
+    const CString strStartup = QueryRegText(folders, L"Startup");
+    if (!strStartup.IsEmpty())
+        DeleteLink(strStartup);
+    const CString strDesktop = QueryRegText(folders, L"Desktop");
+    if (!strDesktop.IsEmpty())
+        DeleteLink(strDesktop);
+    const CString strPrograms = QueryRegText(folders, L"Programs");
+    folders.Close();
+    if (!strPrograms.IsEmpty())
+        DeleteGroup(strPrograms);
+}
+
+void RunUninstall(const wchar_t* pszFolder)
+{
+    const CString strFolder(pszFolder);
+
+    LetProductUnregister(strFolder);
+    RemoveProductRegistry(kCompanyName, kProductName, kProductName, kProductExe);
+    RepairFileAssociations();
+    ReplayLogs(strFolder);
+
+    // The first stage's current folder was inherited and may be the very folder that has to go.
+    SetCurrentDirectoryW(L"\\");
+    RemoveFolders(strFolder);
+    SweepMachineFolders();
+    ForEachUserHive(SweepUserFolders);
+}
