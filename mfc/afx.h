@@ -1,0 +1,105 @@
+// The framework's base: objects with run-time class information, exceptions and strings. Only what the program uses.
+#pragma once
+
+#include <windows.h>
+#include <tchar.h>
+
+#ifndef _UNICODE
+#error The framework's subset is wide only.
+#endif
+
+#define AFXAPI __stdcall
+
+class CObject;
+
+struct CRuntimeClass
+{
+    LPCSTR m_lpszClassName;
+    int m_nObjectSize;
+    CRuntimeClass* m_pBaseClass;
+
+    // True for the class itself, too.
+    BOOL IsDerivedFrom(const CRuntimeClass* pBaseClass) const;
+};
+
+#define RUNTIME_CLASS(class_name) (const_cast<CRuntimeClass*>(&class_name::class##class_name))
+
+// Ends in public access, as in the framework.
+#define DECLARE_DYNAMIC(class_name)                                                                                    \
+public:                                                                                                                \
+    static const CRuntimeClass class##class_name;                                                                      \
+    virtual CRuntimeClass* GetRuntimeClass() const;
+
+#define IMPLEMENT_DYNAMIC(class_name, base_class_name)                                                                 \
+    const CRuntimeClass class_name::class##class_name = { #class_name, sizeof(class class_name),                       \
+                                                          RUNTIME_CLASS(base_class_name) };                            \
+    CRuntimeClass* class_name::GetRuntimeClass() const                                                                 \
+    {                                                                                                                  \
+        return RUNTIME_CLASS(class_name);                                                                              \
+    }
+
+class CObject
+{
+public:
+    static const CRuntimeClass classCObject;
+
+    CObject(const CObject&) = delete;
+    CObject& operator=(const CObject&) = delete;
+    virtual ~CObject() {}
+
+    virtual CRuntimeClass* GetRuntimeClass() const;
+    BOOL IsKindOf(const CRuntimeClass* pClass) const;
+
+protected:
+    CObject() {}
+};
+
+// Exceptions are thrown and caught by pointer; whoever catches one for good calls Delete.
+class CException : public CObject
+{
+    DECLARE_DYNAMIC(CException)
+
+public:
+    explicit CException(BOOL bAutoDelete);
+    void Delete();
+
+private:
+    BOOL m_bAutoDelete;
+};
+
+class CSimpleException : public CException
+{
+    DECLARE_DYNAMIC(CSimpleException)
+
+public:
+    explicit CSimpleException(BOOL bAutoDelete);
+};
+
+// An argument or index out of range.
+class CInvalidArgException : public CSimpleException
+{
+    DECLARE_DYNAMIC(CInvalidArgException)
+
+public:
+    CInvalidArgException();
+};
+
+// A system resource that couldn't be had.
+class CResourceException : public CSimpleException
+{
+    DECLARE_DYNAMIC(CResourceException)
+
+public:
+    CResourceException();
+};
+
+[[noreturn]] void AFXAPI AfxThrowInvalidArgException();
+[[noreturn]] void AFXAPI AfxThrowResourceException();
+
+HINSTANCE AFXAPI AfxGetInstanceHandle();
+// The module that strings and dialog templates are taken from; the executable until AfxSetResourceHandle says
+// otherwise.
+HINSTANCE AFXAPI AfxGetResourceHandle();
+void AFXAPI AfxSetResourceHandle(HINSTANCE hInstResource);
+
+#include <afxstr.h>
