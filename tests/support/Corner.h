@@ -1,0 +1,41 @@
+// A clean corner of the machine for one test: an empty folder of its own, the program's globals at their start values,
+// an empty boot list. All of it is taken away afterwards.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/Files.h"
+
+// An empty folder below the temporary folder, removed with all in it at the end.
+class CCorner
+{
+public:
+    CCorner();
+    ~CCorner();
+    CCorner(const CCorner&) = delete;
+    CCorner& operator=(const CCorner&) = delete;
+
+    const std::wstring& Folder() const { return m_strFolder; } // no trailing backslash
+    std::wstring At(const std::wstring& strRelative) const { return m_strFolder + L"\\" + strRelative; }
+
+private:
+    std::wstring m_strFolder;
+};
+
+// Gives the program's global state the values of a process that has just started.
+void ResetProgramState();
+
+// The fixture of most suites.
+class MachineCorner : public testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    const std::wstring& Folder() const { return m_corner.Folder(); }
+    std::wstring At(const std::wstring& strRelative) const { return m_corner.At(strRelative); }
+
+    CCorner m_corner;
+};

@@ -1,0 +1,16 @@
+// A picture of the whole machine, so that two of them tell all that a program left: files below C:\ by size and
+// attributes, and the registry. What Windows' own programs change by merely running is left out.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Sorted lines: `file PATH SIZE ATTRIBUTES`, `folder PATH ATTRIBUTES`, and the lines of FlattenKey for HKLM and HKU.
+std::vector<std::wstring> TakeMachinePicture();
+
+// `+ LINE` for what only the later picture has, `- LINE` for what only the earlier one has, sorted by the line.
+std::vector<std::wstring> PictureDifference(const std::vector<std::wstring>& earlier,
+                                            const std::vector<std::wstring>& later);
+
+// The lines in one text, for a failure's message.
+std::string JoinLines(const std::vector<std::wstring>& lines);
