@@ -5,7 +5,7 @@
 #include <tchar.h>
 
 #ifndef _UNICODE
-#error The framework's subset is wide only.
+#error The framework subset is wide only
 #endif
 
 #define AFXAPI __stdcall

@@ -1,7 +1,7 @@
 // Start of the test program.
 #include <gtest/gtest.h>
 
-int main(int argc, char** argv)
+int wmain(int argc, wchar_t** argv)
 {
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
