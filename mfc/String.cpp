@@ -317,6 +317,9 @@ int CStringT<T>::Find(PCXSTR pszSub, int iStart) const
 {
     if (!pszSub || iStart < 0 || iStart > m_nLength)
         return -1;
+    // The C runtimes differ on an empty text.
+    if (!*pszSub)
+        return iStart;
     PCXSTR pszFound = FindText(m_pszData + iStart, pszSub);
     return pszFound ? static_cast<int>(pszFound - m_pszData) : -1;
 }
