@@ -1,6 +1,18 @@
 // The framework's exceptions. Those that it throws itself are permanent objects, so that throwing needs no memory.
 #include <afx.h>
 
+#include <stdlib.h>
+
+// What the library calls for an exception that nothing catches. Its own handler first tells the exception's type on
+// a console that a Windows program hasn't got, and brings a demangler of 60 KB for that.
+namespace __gnu_cxx
+{
+void __verbose_terminate_handler()
+{
+    abort();
+}
+} // namespace __gnu_cxx
+
 IMPLEMENT_DYNAMIC(CException, CObject)
 IMPLEMENT_DYNAMIC(CSimpleException, CException)
 IMPLEMENT_DYNAMIC(CInvalidArgException, CSimpleException)

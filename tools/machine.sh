@@ -84,18 +84,20 @@ machine_stop() {
 
 # Waits until the programs of the product and of its setup that still run on the machine have ended: 30 seconds at most.
 machine_wait_idle() {
-    local process
     for _ in $(seq 300); do
-        process=
-        for process in /proc/[0-9]*; do
-            if tr '\0' '\n' <"$process/environ" 2>/dev/null | grep -qxF "WINEPREFIX=$WINEPREFIX" &&
-                tr '\0' ' ' <"$process/cmdline" 2>/dev/null | grep -qiE 'Lumacap8\.exe|LumUnInst\.exe|regsvr32|\.tmp '; then
-                sleep 0.1
-                continue 2
-            fi
-        done
-        return 0
+        machine_is_idle && return 0
+        sleep 0.1
     done
     echo 'machine.sh: a program of the product did not end' >&2
     return 1
+}
+
+machine_is_idle() {
+    local process
+    for process in $(pgrep -f 'Lumacap8\.exe|LumUnInst\.exe|regsvr32|uni[0-9A-Fa-f]+\.tmp'); do
+        if tr '\0' '\n' 2>/dev/null <"/proc/$process/environ" | grep -qxF "WINEPREFIX=$WINEPREFIX"; then
+            return 1
+        fi
+    done 2>/dev/null
+    return 0
 }

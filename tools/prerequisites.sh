@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth googletest
-    clang-format clang-tidy cppcheck gcovr python3 git fonts-dejavu-core)
+    clang-format clang-tidy cppcheck gcovr python3 git fonts-dejavu-core procps libc-bin)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -51,7 +51,7 @@ def read_link(path):
             raw = data[offset + 2:offset + 2 + count * width]
             texts[name] = raw.decode('utf-16-le' if width == 2 else 'latin-1')
             offset += 2 + count * width
-    return target, texts.get('folder', ''), texts.get('arguments', '')
+    return target, texts.get('folder', '').rstrip('\0'), texts.get('arguments', '').rstrip('\0')
 
 
 def windows_path(path):
@@ -94,7 +94,7 @@ def is_noise(key):
     """What the system writes by itself while programs run on it, and one view of what stands in another place too."""
     return (key.startswith('HKEY_CLASSES_ROOT') or 'Wow6432Node' in key or key == BOOT_KEY or
             re.search(r'\\(Explorer\\(User )?Shell Folders|Windows NT\\CurrentVersion|ControlSet001|Hardware|'
-                      r'Software\\Wine|Volatile Environment|DeviceClasses|Enum)(\\|$)', key, re.IGNORECASE))
+                      r'Software\\Wine|Volatile Environment|DeviceClasses|Enum|Control\\Class)(\\|$)', key, re.IGNORECASE))
 
 
 def show_registry(before_path, after_path):
@@ -104,16 +104,17 @@ def show_registry(before_path, after_path):
         for (key, name), data in one.items():
             if (other.get((key, name)) != data) and not is_noise(key):
                 lines.append((key, name, sign, data))
+    shown_keys = {key for key, name, _, _ in lines if name}
     last = None
     for key, name, sign, data in sorted(lines):
+        if not name and any(other == key or other.startswith(key + '\\') for other in shown_keys):
+            continue
         if key != last:
-            print(f'  {key}')
+            print(f'  {key}' if name else f'  {key}\n    {sign} (key)')
             last = key
         if name:
             shown = '(default)' if name == '@' else name.strip('"')
             print(f'    {sign} {shown:<18} {data}')
-        elif not any(k == key and n for k, n, _, _ in lines):
-            print(f'    {sign} (key)')
     if not lines:
         print('  nothing')
 
