@@ -94,7 +94,7 @@ def is_noise(key):
     """What the system writes by itself while programs run on it, and one view of what stands in another place too."""
     return (key.startswith('HKEY_CLASSES_ROOT') or 'Wow6432Node' in key or key == BOOT_KEY or
             re.search(r'\\(Explorer\\(User )?Shell Folders|Windows NT\\CurrentVersion|ControlSet001|Hardware|'
-                      r'Software\\Wine|Volatile Environment|DeviceClasses|Enum|Control\\Class)(\\|$)', key, re.IGNORECASE))
+                      r'Software\\Wine|Volatile Environment|DeviceClasses|Enum|Control\\(Class|Video|ServiceCurrent)|Hardware Profiles)(\\|$)', key, re.IGNORECASE))
 
 
 def show_registry(before_path, after_path):
