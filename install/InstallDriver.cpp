@@ -44,7 +44,7 @@ static CString GetProgramsFolder()
 {
     if (g_nInstallKind == KIND_ALL_USERS)
     {
-        const CString strCommon = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
+        CString strCommon = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
         if (strCommon.GetLength() >= 4)
             return strCommon;
         g_nInstallKind = KIND_CURRENT_USER;

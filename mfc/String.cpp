@@ -181,7 +181,7 @@ CStringT<T>::CStringT(const CStringT& strSrc) : CStringT(strSrc.m_pszData, strSr
 }
 
 template <typename T>
-CStringT<T>::CStringT(CStringT&& strSrc) : CStringT()
+CStringT<T>::CStringT(CStringT&& strSrc) noexcept : CStringT()
 {
     Swap(strSrc);
 }
@@ -221,7 +221,7 @@ CStringT<T>& CStringT<T>::operator=(const CStringT& strSrc)
 }
 
 template <typename T>
-CStringT<T>& CStringT<T>::operator=(CStringT&& strSrc)
+CStringT<T>& CStringT<T>::operator=(CStringT&& strSrc) noexcept
 {
     Swap(strSrc);
     return *this;

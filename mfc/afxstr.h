@@ -15,7 +15,7 @@ public:
 
     CStringT();
     CStringT(const CStringT& strSrc);
-    CStringT(CStringT&& strSrc);
+    CStringT(CStringT&& strSrc) noexcept;
     // A null text is an empty one.
     CStringT(PCXSTR pszSrc);
     CStringT(PCXSTR pchSrc, int nLength);
@@ -23,7 +23,7 @@ public:
     ~CStringT();
 
     CStringT& operator=(const CStringT& strSrc);
-    CStringT& operator=(CStringT&& strSrc);
+    CStringT& operator=(CStringT&& strSrc) noexcept;
     CStringT& operator=(PCXSTR pszSrc);
     CStringT& operator=(XCHAR ch);
     CStringT& operator+=(const CStringT& strSrc);

@@ -8,6 +8,7 @@
 // The environment: LUMACAP_REPORT names a report file where no switch does; with LUMACAP_HANG set "-unregonly" takes
 // back nothing and hangs for a minute.
 
+#include "foundation/Owners.h"
 #include "sample/InstanceEntry.h"
 #include "sample/Registration.h"
 
@@ -112,15 +113,21 @@ void RunUntilClosed(HINSTANCE hInstance, const Options& options)
         DispatchMessageW(&message);
 }
 
+// Opens the file so that nobody else can delete it; null without a path.
+HANDLE HoldFile(const wchar_t* pszPath)
+{
+    if (pszPath == nullptr)
+        return nullptr;
+    return CreateFileW(pszPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, LPWSTR, int)
 {
     CInstanceEntry entry;
     const Options options = ReadOptions();
-    // Closed by the process's end, however that comes.
-    if (options.pszHold != nullptr)
-        CreateFileW(options.pszHold, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    const CHandleOwner held(HoldFile(options.pszHold));
 
     if (options.bRegister)
     {
