@@ -7,8 +7,9 @@
 #include <string>
 
 #include "tests/support/Files.h"
+#include "tests/support/ProgramState.h"
 
-// An empty folder below the temporary folder, removed with all in it at the end.
+// An empty folder with a short path, removed with all in it at the end.
 class CCorner
 {
 public:
@@ -24,10 +25,7 @@ private:
     std::wstring m_strFolder;
 };
 
-// Gives the program's global state the values of a process that has just started.
-void ResetProgramState();
-
-// The fixture of most suites.
+// The fixture of most suites. A suite's own SetUp and TearDown call these.
 class MachineCorner : public testing::Test
 {
 protected:
@@ -38,4 +36,7 @@ protected:
     std::wstring At(const std::wstring& strRelative) const { return m_corner.At(strRelative); }
 
     CCorner m_corner;
+
+private:
+    std::wstring m_strStartFolder; // this process's, which the program changes
 };

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-bool PathExists(const std::wstring& strPath);
+bool IsThere(const std::wstring& strPath);       // a file or a folder
 DWORD AttributesOf(const std::wstring& strPath); // INVALID_FILE_ATTRIBUTES for a path that isn't there
 void SetAttributes(const std::wstring& strPath, DWORD nAttributes);
 

@@ -1,6 +1,7 @@
 // Puts a function of the test in the place of a platform call, in this program's own import table: the way to cause
 // a failure that the platform won't produce, and to see a call without having it. Functions that the program
-// binds by name at run time don't pass through the table.
+// binds by name at run time don't pass through the table. A function that makes a hook mustn't call the hooked function
+// itself: the compiler takes the table for constant and may keep an address from before or after.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// One slot of the import table, diverted for the life of the object. Fails the test if nothing imports the function.
+// A function's slots of the import table, diverted for the life of the object. Fails the test if nothing imports it.
 // Hooks of one function end in the reverse order of their making.
 class CImportHook
 {
@@ -29,7 +30,7 @@ public:
     void* Original() const { return m_pfnOriginal; }
 
 private:
-    void** m_ppfnSlot;
+    std::vector<void**> m_slots;
     void* m_pfnOriginal = nullptr;
 };
 
@@ -84,11 +85,6 @@ template <typename Function>
 class CCallHook
 {
 public:
-    template <typename Result, typename... Arguments>
-    struct Signature
-    {
-    };
-
     // The third argument gives the signature; the call that is diverted is the named one.
     CCallHook(const char* pszDll, const char* pszFunction, Function)
         : m_nListener(Listeners::Enter(MakeListener(static_cast<Function>(nullptr)))),

@@ -1,8 +1,62 @@
-// Start of the test program.
+// Start of the test program. The tests change the machine that they run on, so nothing runs on one that isn't said to
+// be a throwaway machine.
+#include <afxwin.h>
+#include <windows.h>
+
 #include <gtest/gtest.h>
+
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+#include "app/RunState.h"
+#include "tests/support/ProgramState.h"
+
+const int kWrongMachine = 3;
+const int kCrash = 4;
+
+// A crash ends the process at once: the system's own dialog would wait for somebody.
+static LONG WINAPI ReportCrash(EXCEPTION_POINTERS* pException)
+{
+    printf("crash: exception %08lX at %p\n", pException->ExceptionRecord->ExceptionCode,
+           pException->ExceptionRecord->ExceptionAddress);
+    fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), kCrash);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+static void ReportAbort(int)
+{
+    printf("the program called abort()\n");
+    fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), kCrash);
+}
+
+static bool IsThrowawayMachine()
+{
+    const wchar_t* pszPromise = _wgetenv(L"LUMACAP_THROWAWAY_MACHINE");
+    return pszPromise != nullptr && wcscmp(pszPromise, L"1") == 0;
+}
 
 int wmain(int argc, wchar_t** argv)
 {
+    if (!IsThrowawayMachine())
+    {
+        printf("These tests install and remove software. They run only on a machine that can be thrown away, which "
+               "the environment tells by LUMACAP_THROWAWAY_MACHINE=1; `make test` sees to all of it.\n");
+        return kWrongMachine;
+    }
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    SetUnhandledExceptionFilter(ReportCrash);
+    signal(SIGABRT, ReportAbort);
+
+    // The program's objects entered this process in the list of instances, where every setup under test would find it.
+    g_InstanceManager.RemoveInstance(GetCurrentProcessId());
+    AfxWinInit(GetModuleHandleW(nullptr), nullptr, GetCommandLineW(), SW_SHOWNORMAL);
+    ResetProgramState();
+
+    // The desktop comes up with its first user; it must not be the child of a program under test, and end with it.
+    GetDesktopWindow();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

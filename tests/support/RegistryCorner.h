@@ -58,15 +58,18 @@ private:
     };
     struct KEY
     {
+        std::wstring strKey;
+        std::vector<VALUE> values;
+    };
+    struct TREE
+    {
         HKEY hRoot;
         std::wstring strKey;
-        bool bPresent;
-        std::vector<VALUE> values;
-        std::vector<std::wstring> below;
+        std::vector<KEY> keys; // a key stands before those below it; none if the tree was absent
     };
 
-    void KeepTree(HKEY hRoot, const std::wstring& strKey);
-    static void Restore(const KEY& key);
+    static void Read(TREE& tree, const std::wstring& strKey);
+    static void Restore(const TREE& tree);
 
-    std::vector<KEY> m_keys; // a key stands before those below it
+    std::vector<TREE> m_trees;
 };

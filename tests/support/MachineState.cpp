@@ -1,0 +1,80 @@
+// The whole registry is some 25,000 lines, read in less than a second.
+#include "tests/support/MachineState.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <iterator>
+
+#include "foundation/Owners.h"
+#include "tests/support/RegistryCorner.h"
+
+static const std::vector<std::wstring> kIgnored = {
+    L"HKLM\\HARDWARE",
+};
+
+static void AddFiles(const std::wstring& strFolder, std::vector<std::wstring>& lines)
+{
+    WIN32_FIND_DATAW found;
+    const CFindOwner hFind(FindFirstFileW((strFolder + L"\\*").c_str(), &found));
+    if (!hFind.IsOpen())
+        return;
+    do
+    {
+        const std::wstring strPath = strFolder + L"\\" + found.cFileName;
+        const std::wstring strAttributes = L" " + std::to_wstring(found.dwFileAttributes);
+        if (wcscmp(found.cFileName, L".") == 0 || wcscmp(found.cFileName, L"..") == 0)
+            continue;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+        {
+            lines.push_back(L"file " + strPath + L" " + std::to_wstring(found.nFileSizeLow) + strAttributes);
+            continue;
+        }
+        lines.push_back(L"folder " + strPath + strAttributes);
+        AddFiles(strPath, lines);
+    } while (FindNextFileW(hFind, &found));
+}
+
+std::vector<std::wstring> TakeMachinePicture()
+{
+    std::vector<std::wstring> lines;
+    AddFiles(L"C:", lines);
+    for (const std::vector<std::wstring>& hive :
+         { FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", kIgnored), FlattenKey(HKEY_USERS, L"", L"HKU", kIgnored) })
+        lines.insert(lines.end(), hive.begin(), hive.end());
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+std::vector<std::wstring> PictureDifference(const std::vector<std::wstring>& earlier,
+                                            const std::vector<std::wstring>& later)
+{
+    std::vector<std::wstring> gone;
+    std::vector<std::wstring> added;
+    std::set_difference(earlier.begin(), earlier.end(), later.begin(), later.end(), std::back_inserter(gone));
+    std::set_difference(later.begin(), later.end(), earlier.begin(), earlier.end(), std::back_inserter(added));
+    std::vector<std::wstring> lines;
+    for (const std::wstring& strLine : gone)
+        lines.push_back(L"- " + strLine);
+    for (const std::wstring& strLine : added)
+        lines.push_back(L"+ " + strLine);
+    std::sort(lines.begin(), lines.end(),
+              [](const std::wstring& first, const std::wstring& second)
+              {
+                  const int nOrder = first.compare(2, std::wstring::npos, second, 2, std::wstring::npos);
+                  return nOrder != 0 ? nOrder < 0 : first < second;
+              });
+    return lines;
+}
+
+std::string JoinLines(const std::vector<std::wstring>& lines)
+{
+    std::string strText;
+    for (const std::wstring& strLine : lines)
+    {
+        for (const wchar_t ch : strLine)
+            strText += ch < 0x80 ? static_cast<char>(ch) : '?';
+        strText += '\n';
+    }
+    return strText;
+}
