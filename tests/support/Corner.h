@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 #include "tests/support/Files.h"
 #include "tests/support/ProgramState.h"
+#include "tests/support/RegistryCorner.h"
 
 // An empty folder with a short path, removed with all in it at the end.
 class CCorner
@@ -39,4 +41,18 @@ protected:
 
 private:
     std::wstring m_strStartFolder; // this process's, which the program changes
+};
+
+// A machine on which the product never was, and on which nothing stays of one that the test installed in its default
+// place.
+class ProductCorner : public MachineCorner
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    const std::wstring m_strProduct = L"C:\\Program Files\\Lumacap 8"; // the default target
+
+private:
+    std::unique_ptr<CRegistryCorner> m_pRegistry;
 };

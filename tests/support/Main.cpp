@@ -5,12 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 
 #include "app/RunState.h"
 #include "tests/support/ProgramState.h"
+#include "tests/support/RegistryCorner.h"
 
 const int kWrongMachine = 3;
 const int kCrash = 4;
@@ -38,6 +40,15 @@ static bool IsThrowawayMachine()
     return pszPromise != nullptr && wcscmp(pszPromise, L"1") == 0;
 }
 
+// The program's objects entered this process in the product's list of instances, where every setup under test would
+// find it; and the list would outlive the programs under test, with what they leave in it. A list of its own takes its
+// place.
+static void LeaveProductList()
+{
+    g_InstanceManager.~COXInstanceManager();
+    new (&g_InstanceManager) COXInstanceManager(L"Lumacap.Tests", 1024, true);
+}
+
 int wmain(int argc, wchar_t** argv)
 {
     if (!IsThrowawayMachine())
@@ -50,10 +61,12 @@ int wmain(int argc, wchar_t** argv)
     SetUnhandledExceptionFilter(ReportCrash);
     signal(SIGABRT, ReportAbort);
 
-    // The program's objects entered this process in the list of instances, where every setup under test would find it.
-    g_InstanceManager.RemoveInstance(GetCurrentProcessId());
+    LeaveProductList();
     AfxWinInit(GetModuleHandleW(nullptr), nullptr, GetCommandLineW(), SW_SHOWNORMAL);
     ResetProgramState();
+
+    // No window manager runs on a test's display, and Wine would wait two seconds for it at each window's closing.
+    SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine\\X11 Driver", L"Managed", L"N");
 
     // The desktop comes up with its first user; it must not be the child of a program under test, and end with it.
     GetDesktopWindow();

@@ -20,6 +20,8 @@ static void ResetChoices()
          { &g_strInstDir, &g_strSourceDir, &g_strGroup, &g_strSfxName, &g_strNextText, &g_strCancelText })
         pText->Empty();
     theApp.m_pMainWnd = nullptr;
+    g_InstanceManager.ResetInstanceList();
+    g_InstanceManager.AddInstance(GetCurrentProcessId());
 }
 
 void ResetProgramState()

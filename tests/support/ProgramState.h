@@ -5,7 +5,8 @@
 #include <vector>
 
 // Gives the program's global state the values of a process that has just started. The first call, which comes before
-// any test, notes the values that the start itself has found out.
+// any test, notes the values that the start itself has found out. The list of instances holds this process alone; it is
+// the test program's own list, not the one that the product and the setups under test share.
 void ResetProgramState();
 
 // Gives the program this command line, as the run-time library splits it, for the object's life. The first argument is

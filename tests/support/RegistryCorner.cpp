@@ -221,6 +221,7 @@ void CRegistryCorner::Clear(HKEY hRoot, const std::wstring& strKey)
 
 void CRegistryCorner::ClearProduct()
 {
+    static const wchar_t kRegisteredApplications[] = L"SOFTWARE\\RegisteredApplications";
     static const struct
     {
         HKEY hRoot;
@@ -237,11 +238,13 @@ void CRegistryCorner::ClearProduct()
         { HKEY_CLASSES_ROOT, L"Applications\\Lumacap8.exe" },
         { HKEY_CLASSES_ROOT, L"Lumacap.8" },
         { HKEY_CLASSES_ROOT, L"LC8.Document" },
+        { HKEY_CLASSES_ROOT, L".lcp" },
+        { HKEY_CLASSES_ROOT, L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}" }, // the sample's thumbnail handler
     };
     for (const auto& key : kKeys)
         Clear(key.hRoot, key.pszKey);
-    Keep(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications");
-    RemoveValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", L"Lumacap.8");
+    Keep(HKEY_LOCAL_MACHINE, kRegisteredApplications);
+    RemoveValue(HKEY_LOCAL_MACHINE, kRegisteredApplications, L"Lumacap.8");
 }
 
 void CRegistryCorner::Read(TREE& tree, const std::wstring& strKey)
