@@ -14,6 +14,7 @@ namespace
 const DWORD kAnswerTime = 5000; // milliseconds for a window to answer a message
 
 const int kIconSize = 32;
+const size_t kIconPixels = 32 * 32;
 using PIXELS = std::vector<DWORD>;
 
 std::wstring ClassOf(HWND hWnd)
@@ -86,7 +87,7 @@ PIXELS Paint(Draw draw)
     draw(hdc);
     GdiFlush();
     const auto* pPixels = static_cast<const DWORD*>(pBits);
-    PIXELS pixels(pPixels, pPixels + kIconSize * kIconSize);
+    PIXELS pixels(pPixels, pPixels + kIconPixels);
     SelectObject(hdc, hEarlier);
     DeleteObject(hBitmap);
     DeleteDC(hdc);

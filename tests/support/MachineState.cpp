@@ -54,6 +54,7 @@ std::vector<std::wstring> PictureDifference(const std::vector<std::wstring>& ear
     std::set_difference(earlier.begin(), earlier.end(), later.begin(), later.end(), std::back_inserter(gone));
     std::set_difference(later.begin(), later.end(), earlier.begin(), earlier.end(), std::back_inserter(added));
     std::vector<std::wstring> lines;
+    lines.reserve(gone.size() + added.size());
     for (const std::wstring& strLine : gone)
         lines.push_back(L"- " + strLine);
     for (const std::wstring& strLine : added)

@@ -97,6 +97,13 @@ bool IsIgnored(const std::wstring& strPath, const std::vector<std::wstring>& ign
                        { return _wcsnicmp(strPath.c_str(), strPrefix.c_str(), strPrefix.size()) == 0; });
 }
 
+std::wstring Joined(std::wstring strFirst, const wchar_t* pszBetween, const std::wstring& strSecond)
+{
+    strFirst += pszBetween;
+    strFirst += strSecond;
+    return strFirst;
+}
+
 void Flatten(HKEY hKey, const std::wstring& strPath, const std::vector<std::wstring>& ignored,
              std::vector<std::wstring>& lines)
 {
@@ -104,14 +111,14 @@ void Flatten(HKEY hKey, const std::wstring& strPath, const std::vector<std::wstr
     for (const std::wstring& strName : NamesOf(hKey, RegEnumValueW))
     {
         READ_VALUE value;
-        const std::wstring strLine = strPath + L" : " + strName;
+        const std::wstring strLine = Joined(strPath, L" : ", strName);
         if (!IsIgnored(strLine, ignored) && ReadValue(hKey, strName, value))
             lines.push_back(strLine + L" = " + std::to_wstring(value.nType) + L":" + DataText(value));
     }
     for (const std::wstring& strName : NamesOf(hKey, EnumerateKeys))
     {
         CKeyOwner key;
-        const std::wstring strBelow = strPath + L"\\" + strName;
+        const std::wstring strBelow = Joined(strPath, L"\\", strName);
         if (!IsIgnored(strBelow, ignored) && Open(hKey, strName, KEY_READ, key))
             Flatten(key, strBelow, ignored, lines);
     }
@@ -260,7 +267,7 @@ void CRegistryCorner::Read(TREE& tree, const std::wstring& strKey)
     }
     tree.keys.push_back(kept);
     for (const std::wstring& strName : NamesOf(key, EnumerateKeys))
-        Read(tree, strKey + L"\\" + strName);
+        Read(tree, Joined(strKey, L"\\", strName));
 }
 
 void CRegistryCorner::Restore(const TREE& tree)
@@ -276,7 +283,7 @@ void CRegistryCorner::Restore(const TREE& tree)
             SetValue(tree.hRoot, key.strKey, value.strName, value.nType, value.data.data(), value.data.size());
         for (const std::wstring& strName : SubkeyNames(tree.hRoot, key.strKey))
         {
-            const std::wstring strBelow = key.strKey + L"\\" + strName;
+            const std::wstring strBelow = Joined(key.strKey, L"\\", strName);
             const auto isKept = [&](const KEY& kept) { return _wcsicmp(kept.strKey.c_str(), strBelow.c_str()) == 0; };
             if (std::none_of(tree.keys.begin(), tree.keys.end(), isKept))
                 RemoveKey(tree.hRoot, strBelow);
