@@ -14,7 +14,7 @@ namespace
 const DWORD kAnswerTime = 5000; // milliseconds for a window to answer a message
 
 const int kIconSize = 32;
-const size_t kIconPixels = 32 * 32;
+const size_t kIconPixels = 1024;
 using PIXELS = std::vector<DWORD>;
 
 std::wstring ClassOf(HWND hWnd)
