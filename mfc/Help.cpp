@@ -3,6 +3,7 @@
 
 void CWinApp::OnHelp()
 {
-    if (m_pszHelpFilePath && GetFileAttributesW(m_pszHelpFilePath) != INVALID_FILE_ATTRIBUTES)
-        WinHelpW(GetActiveWindow(), m_pszHelpFilePath, HELP_FINDER, 0);
+    const CWnd* pMainWnd = AfxGetMainWnd();
+    if (pMainWnd && m_pszHelpFilePath && GetFileAttributesW(m_pszHelpFilePath) != INVALID_FILE_ATTRIBUTES)
+        WinHelpW(pMainWnd->m_hWnd, m_pszHelpFilePath, HELP_FINDER, 0);
 }

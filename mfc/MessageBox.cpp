@@ -1,21 +1,13 @@
 // The framework's message boxes.
 #include <afxwin.h>
 
-namespace
-{
-HWND FindBoxOwner()
-{
-    HWND hWnd = GetActiveWindow();
-    return hWnd ? GetLastActivePopup(hWnd) : nullptr;
-}
-} // namespace
-
 int CWinApp::DoMessageBox(LPCTSTR lpszPrompt, UINT nType, UINT)
 {
     if ((nType & MB_ICONMASK) == 0 && (nType & MB_TYPEMASK) != MB_ABORTRETRYIGNORE &&
         (nType & MB_TYPEMASK) != MB_RETRYCANCEL)
         nType |= MB_ICONEXCLAMATION;
-    return MessageBoxW(FindBoxOwner(), lpszPrompt, m_pszAppName, nType);
+    const CWnd* pOwner = CWnd::GetSafeOwner();
+    return MessageBoxW(pOwner ? pOwner->m_hWnd : nullptr, lpszPrompt, m_pszAppName, nType);
 }
 
 int AFXAPI AfxMessageBox(LPCTSTR lpszText, UINT nType, UINT nIDHelp)

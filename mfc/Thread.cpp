@@ -26,3 +26,13 @@ int CWinThread::ExitInstance()
 {
     return m_nQuitCode;
 }
+
+CWnd* CWinThread::GetMainWnd()
+{
+    return m_pMainWnd ? m_pMainWnd : CWnd::FromHandle(GetActiveWindow());
+}
+
+CWnd* AFXAPI AfxGetMainWnd()
+{
+    return AfxGetApp() ? AfxGetApp()->GetMainWnd() : nullptr;
+}

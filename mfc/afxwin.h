@@ -1,11 +1,13 @@
-// The framework's application object and message maps. Only what the program uses; one thread.
+// The framework's application object, message maps, windows and dialogs. Only what the program uses; one thread.
 #pragma once
 
 #include <afx.h>
 #include <afxres.h>
 #include <afxcoll.h>
+#include <atltypes.h>
 
 class CCmdTarget;
+class CDataExchange;
 class CWinApp;
 class CWnd;
 
@@ -105,6 +107,8 @@ public:
     virtual int Run();
     // The process's exit code: the quit message's, or 0.
     virtual int ExitInstance();
+    // m_pMainWnd or, without one, the thread's active window. Null without either.
+    virtual CWnd* GetMainWnd();
 
     // Cleared by the framework, which then also posts WM_QUIT, when this window is destroyed.
     CWnd* m_pMainWnd;
@@ -152,6 +156,173 @@ public:
 
 AFX_MODULE_STATE* AFXAPI AfxGetModuleState();
 CWinApp* AFXAPI AfxGetApp();
+CWnd* AFXAPI AfxGetMainWnd();
+
+// A window as an object. The object that a window was attached to is found by its handle for as long as the window
+// lives; any other window gets a temporary object, good until the window is gone.
+class CWnd : public CCmdTarget
+{
+    DECLARE_DYNAMIC(CWnd)
+
+public:
+    static const CWnd wndTop;
+
+    CWnd();
+    // Destroys an attached window.
+    virtual ~CWnd();
+
+    HWND GetSafeHwnd() const { return m_hWnd; }
+    operator HWND() const { return m_hWnd; }
+    // Null only for a null handle.
+    static CWnd* PASCAL FromHandle(HWND hWnd);
+    static CWnd* PASCAL FromHandlePermanent(HWND hWnd);
+    // The window that a box or dialog belongs to: the top-level window of pParent or, without one, the last popup of
+    // the main window. Null without either.
+    static CWnd* PASCAL GetSafeOwner(CWnd* pParent = NULL);
+
+    BOOL Attach(HWND hWndNew);
+    HWND Detach();
+    // Attaches the window and passes its messages through WindowProc.
+    BOOL SubclassWindow(HWND hWnd);
+    HWND UnsubclassWindow();
+    // Destroys the window, not the object. False without a window; a class may refuse in the same way.
+    virtual BOOL DestroyWindow();
+
+    CWnd* GetDlgItem(int nID) const;
+    CWnd* GetParent() const;
+    int GetDlgItemText(int nID, CString& rString) const;
+    void SetDlgItemText(int nID, LPCTSTR lpszString);
+    LRESULT SendDlgItemMessage(int nID, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
+    void CheckDlgButton(int nIDButton, UINT nCheck);
+    UINT IsDlgButtonChecked(int nIDButton) const;
+
+    void GetWindowText(CString& rString) const;
+    int GetWindowTextLength() const;
+    void SetWindowText(LPCTSTR lpszString);
+    BOOL EnableWindow(BOOL bEnable = TRUE);
+    BOOL IsWindowEnabled() const;
+    BOOL IsWindowVisible() const;
+    BOOL ShowWindow(int nCmdShow);
+    CWnd* SetFocus();
+    BOOL SetWindowPos(const CWnd* pWndInsertAfter, int x, int y, int cx, int cy, UINT nFlags);
+    void GetWindowRect(LPRECT lpRect) const;
+    void GetClientRect(LPRECT lpRect) const;
+    void ScreenToClient(LPRECT lpRect) const;
+    void ScreenToClient(LPPOINT lpPoint) const;
+    void UpdateWindow();
+    LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
+    BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
+    int MessageBox(LPCTSTR lpszText, LPCTSTR lpszCaption = NULL, UINT nType = MB_OK);
+
+    // Moves data between controls and members through DoDataExchange: to the members if bSaveAndValidate. False if a
+    // control is missing.
+    BOOL UpdateData(BOOL bSaveAndValidate = TRUE);
+
+    HWND m_hWnd;
+
+protected:
+    virtual void DoDataExchange(CDataExchange* pDX);
+    virtual void PreSubclassWindow();
+    virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
+    virtual LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
+    // TRUE if the command was handled.
+    virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
+    afx_msg void OnNcDestroy();
+    // Called last of all for a window; an object made with new may delete itself here.
+    virtual void PostNcDestroy();
+    DECLARE_MESSAGE_MAP()
+
+private:
+    static LRESULT CALLBACK Dispatch(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static CWnd* FindIn(CWnd* pList, HWND hWnd);
+    static void DropTemporary();
+
+    static CWnd* s_pAttached;
+    static CWnd* s_pTemporary;
+    CWnd* m_pNext;
+    WNDPROC m_pfnSuper;
+};
+
+class CButton : public CWnd
+{
+    DECLARE_DYNAMIC(CButton)
+
+public:
+    int GetCheck() const;
+    void SetCheck(int nCheck);
+};
+
+class CStatic : public CWnd
+{
+    DECLARE_DYNAMIC(CStatic)
+};
+
+class CEdit : public CWnd
+{
+    DECLARE_DYNAMIC(CEdit)
+
+public:
+    void SetSel(int nStartChar, int nEndChar, BOOL bNoScroll = FALSE);
+};
+
+// A dialog, modal by DoModal or modeless by Create. The keyboard is the platform's: a page that is a child dialog with
+// DS_CONTROL takes part in its modal frame's navigation.
+class CDialog : public CWnd
+{
+    DECLARE_DYNAMIC(CDialog)
+
+public:
+    CDialog();
+    explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = NULL);
+    explicit CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd = NULL);
+    virtual ~CDialog();
+
+    // True if the window came to be.
+    BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = NULL);
+    BOOL Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd = NULL);
+    BOOL CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = NULL);
+    BOOL InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = NULL);
+    // Gives what EndDialog was given; -1 if the dialog can't be shown.
+    virtual INT_PTR DoModal();
+    void EndDialog(int nResult);
+
+    // Fills the controls by UpdateData(FALSE), and ends the dialog with -1 if that fails. FALSE from an override says
+    // that it has set the focus itself.
+    virtual BOOL OnInitDialog();
+    virtual BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo);
+
+protected:
+    // Saves the controls by UpdateData(TRUE) and ends the dialog with IDOK, unless that fails.
+    virtual void OnOK();
+    // Ends the dialog with IDCANCEL.
+    virtual void OnCancel();
+    DECLARE_MESSAGE_MAP()
+
+private:
+    static INT_PTR CALLBACK Initialize(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+
+    LPCTSTR m_lpszTemplateName;
+    LPCDLGTEMPLATE m_lpDialogTemplate;
+    CWnd* m_pParentWnd;
+};
+
+// One run of UpdateData, for DoDataExchange and the functions below.
+class CDataExchange
+{
+public:
+    CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate);
+
+    BOOL m_bSaveAndValidate;
+    CWnd* m_pDlgWnd;
+};
+
+// Each ends in an exception, which UpdateData catches, if the control is missing.
+// Subclasses the control at the first run.
+void AFXAPI DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl);
+void AFXAPI DDX_Check(CDataExchange* pDX, int nIDC, int& value);
+// nIDC is the first radio button of its group; the value is the index of the one that is set, -1 for none.
+void AFXAPI DDX_Radio(CDataExchange* pDX, int nIDC, int& value);
+void AFXAPI DDX_Text(CDataExchange* pDX, int nIDC, CString& value);
 
 // Shows a box over the main or active window, with the application's name as caption. A style of OK, OK and Cancel, or
 // Yes and No that names no icon gets the exclamation mark. Gives the button's id, 0 on failure.

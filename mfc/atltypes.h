@@ -1,0 +1,17 @@
+// A rectangle as an object.
+#pragma once
+
+#include <windows.h>
+
+class CRect : public RECT
+{
+public:
+    CRect() : RECT{ 0, 0, 0, 0 } {}
+    CRect(int l, int t, int r, int b) : RECT{ l, t, r, b } {}
+    CRect(const RECT& rcSrc) : RECT(rcSrc) {}
+
+    int Width() const { return right - left; }
+    int Height() const { return bottom - top; }
+    operator LPRECT() { return this; }
+    operator LPCRECT() const { return this; }
+};
