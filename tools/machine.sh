@@ -47,6 +47,8 @@ machine_start() {
 }
 
 machine_display_start() {
+    # No window manager runs on this display. One that is waited for costs two seconds for each window that goes.
+    printf '\n[Software\\\\Wine\\\\X11 Driver]\n"Managed"="N"\n' >>"$WINEPREFIX/user.reg"
     Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$machine_dir/display" >/dev/null 2>&1 &
     machine_xvfb=$!
     for _ in $(seq 100); do
