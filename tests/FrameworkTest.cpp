@@ -4,7 +4,8 @@
 #include <afxmt.h>
 
 #include <string>
-#include <vector>
+
+#include "tests/support/BoxDriver.h"
 
 namespace
 {
@@ -454,4 +455,129 @@ TEST(FrameworkCommand, GoesToTheMostDerivedHandler)
     EXPECT_TRUE(target.OnCmdMsg(7, CN_COMMAND, nullptr, &info));
     EXPECT_EQ(&target, info.pTarget);
     EXPECT_EQ(L"", Stored(target.m_strCalls));
+}
+
+namespace
+{
+// An application object beside the program's own, which takes its place again afterwards.
+class CTestApp : public CWinApp
+{
+public:
+    explicit CTestApp(LPCTSTR pszName = nullptr, BOOL bInitialized = TRUE)
+        : CTestApp(AfxGetApp(), pszName, bInitialized)
+    {
+    }
+    ~CTestApp() override { AfxGetModuleState()->m_pCurrentWinApp = m_pBefore; }
+
+    BOOL InitInstance() override
+    {
+        m_strCalls += L"init ";
+        return m_bInitialized;
+    }
+    int Run() override
+    {
+        m_strCalls += L"run ";
+        return CWinApp::Run();
+    }
+    int ExitInstance() override
+    {
+        m_strCalls += L"exit ";
+        return CWinApp::ExitInstance();
+    }
+
+    CString m_strCalls;
+
+private:
+    CTestApp(CWinApp* pBefore, LPCTSTR pszName, BOOL bInitialized)
+        : CWinApp(pszName), m_pBefore(pBefore), m_bInitialized(bInitialized)
+    {
+    }
+
+    CWinApp* m_pBefore;
+    BOOL m_bInitialized;
+};
+
+int RunApplication()
+{
+    static wchar_t szCommandLine[] = L"-x";
+    return AfxWinMain(GetModuleHandleW(nullptr), nullptr, szCommandLine, SW_SHOW);
+}
+} // namespace
+
+TEST(FrameworkApplication, ResultOfInitInstanceDecidesWhetherItRunsAndTheExitCodeIsZero)
+{
+    const struct
+    {
+        BOOL bInitialized;
+        const wchar_t* pszCalls;
+    } cases[] = { { FALSE, L"init exit " }, { TRUE, L"init run exit " } };
+    for (const auto& c : cases)
+    {
+        CTestApp app(nullptr, c.bInitialized);
+        EXPECT_EQ(0, RunApplication());
+        EXPECT_EQ(c.pszCalls, Stored(app.m_strCalls));
+    }
+}
+
+TEST(FrameworkApplication, ExitCodeIsThatOfTheQuitMessage)
+{
+    CTestApp app;
+    PostQuitMessage(5);
+    CWnd window;
+    app.m_pMainWnd = &window; // without one Run posts a quit message of its own
+    EXPECT_EQ(5, app.Run());
+}
+
+TEST(FrameworkApplication, StartFillsInHandlesAndMissingNames)
+{
+    CTestApp app;
+    EXPECT_EQ(nullptr, app.m_pszAppName);
+    EXPECT_EQ(0u, app.m_dwRestartManagerSupportFlags);
+    RunApplication();
+    EXPECT_EQ(GetModuleHandleW(nullptr), app.m_hInstance);
+    EXPECT_STREQ(L"-x", app.m_lpCmdLine);
+    EXPECT_EQ(SW_SHOW, app.m_nCmdShow);
+    EXPECT_STREQ(L"setup_tests", app.m_pszExeName);
+    EXPECT_STREQ(app.m_pszExeName, app.m_pszAppName);
+
+    CTestApp named(L"Given");
+    RunApplication();
+    EXPECT_STREQ(L"Given", named.m_pszAppName);
+}
+
+TEST(FrameworkApplication, BoxCarriesTheNameAndAnIcon)
+{
+    CTestApp app(L"Given");
+    CBoxRecorder recorder({ IDYES });
+    const struct
+    {
+        UINT nType, nShown;
+    } cases[] = {
+        { MB_OK, MB_OK | MB_ICONEXCLAMATION },
+        { MB_YESNO, MB_YESNO | MB_ICONEXCLAMATION },
+        { MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 },
+        { MB_RETRYCANCEL, MB_RETRYCANCEL },
+    };
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(IDYES, AfxMessageBox(L"text", c.nType));
+        EXPECT_EQ(c.nShown, recorder.Boxes().back().nStyle);
+    }
+    AfxMessageBox(1);
+    const RECORDED_BOX& box = recorder.Boxes().back();
+    EXPECT_EQ(L"Lumacap 8", box.strText);
+    EXPECT_EQ(L"Given", box.strCaption);
+    EXPECT_EQ(static_cast<UINT>(MB_OK | MB_ICONEXCLAMATION), box.nStyle);
+    EXPECT_EQ(nullptr, box.hOwner);
+}
+
+TEST(FrameworkApplication, BoxBelongsToTheMainWindow)
+{
+    CTestApp app(L"Given");
+    CWnd window;
+    window.Attach(CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr));
+    app.m_pMainWnd = &window;
+    CBoxRecorder recorder;
+    AfxMessageBox(L"text");
+    EXPECT_EQ(window.m_hWnd, recorder.Boxes().back().hOwner);
 }

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -211,6 +212,27 @@ BEGIN_MESSAGE_MAP(CFrame, CDialog)
 ON_BN_CLICKED(kBack, &CFrame::OnBack)
 END_MESSAGE_MAP()
 
+// The application of a test, in the place of the program's own.
+class CHelpApp : public CWinApp
+{
+public:
+    CHelpApp() : CHelpApp(AfxGetApp()) {}
+    ~CHelpApp() override { AfxGetModuleState()->m_pCurrentWinApp = m_pBefore; }
+    int m_nHelped = 0;
+
+protected:
+    void OnHelpAsked() { ++m_nHelped; }
+    DECLARE_MESSAGE_MAP()
+
+private:
+    explicit CHelpApp(CWinApp* pBefore) : m_pBefore(pBefore) {}
+    CWinApp* m_pBefore;
+};
+
+BEGIN_MESSAGE_MAP(CHelpApp, CWinApp)
+ON_COMMAND(ID_HELP, &CHelpApp::OnHelpAsked)
+END_MESSAGE_MAP()
+
 void End(CFrame& frame)
 {
     frame.EndDialog(77);
@@ -389,6 +411,21 @@ TEST_F(WindowDialog, ModalDialogDisablesItsOwner)
                    End });
     AfxGetApp()->m_pMainWnd = &frame;
     EXPECT_EQ(77, frame.DoModal());
+}
+
+TEST_F(WindowDialog, CommandsGoOnToTheApplicationButNotificationsStay)
+{
+    CHelpApp app;
+    CFrame frame({ [](CFrame& f)
+                   {
+                       f.m_child.SendMessage(WM_COMMAND, ID_HELP);
+                       f.SendMessage(WM_COMMAND, ID_HELP);
+                       f.m_child.SendMessage(WM_COMMAND, kBack);
+                   },
+                   End });
+    EXPECT_EQ(77, frame.DoModal());
+    EXPECT_EQ(2, app.m_nHelped);
+    EXPECT_EQ("", frame.m_strCalls);
 }
 
 TEST_F(WindowKeyboard, TabVisitsFrameAndPage)
