@@ -11,6 +11,7 @@ import zlib
 RES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "res")
 ICON_SIZES = (16, 24, 32, 48, 64, 256)
 SIDE_SIZE = (120, 260)
+EDGE = (16, 26, 66)
 BLADES = 7
 OPENING = 0.30  # of the lens' radius, to the middle of an edge of the opening
 HOUSING = 0.83  # inner radius of the lens' ring
@@ -111,7 +112,9 @@ def side_background(x, y):
         if from_edge > 0:
             rim = 0.6 * (1 - smooth(from_edge / 1.6))
             colour = mix(colour, tint, strength * (1 + rim))
-    return colour
+    # One colour all around: where the frame has more room than the picture, it fills the rest with that of the corner.
+    from_side = min(x, SIDE_SIZE[0] - x, y, SIDE_SIZE[1] - y)
+    return mix(EDGE, colour, smooth((from_side - 1) / 18))
 
 
 def side_sample(x, y):

@@ -1,10 +1,28 @@
 // The wizard as the install run sees it.
 #include "wizard/WizardRun.h"
 
-// The interactive mode isn't available yet: such a run ends as if it had been cancelled, with nothing written.
-bool ShowWizard()
+#include "app/RunState.h"
+#include "wizard/SetupDlg.h"
+
+// The frame's number of the page before the report.
+const int kPageBeforeReport = 4;
+
+// The framework clears the main window when the dialog's window goes.
+static INT_PTR Open(CSetupDlg& dialog)
 {
-    return false;
+    theApp.m_pMainWnd = &dialog;
+    return dialog.DoModal();
 }
 
-void ShowReportPage() {}
+bool ShowWizard()
+{
+    CSetupDlg dialog;
+    return Open(dialog) == IDOK;
+}
+
+void ShowReportPage()
+{
+    CSetupDlg dialog;
+    dialog.m_nPage = kPageBeforeReport;
+    Open(dialog);
+}

@@ -1,0 +1,242 @@
+// The wizard's frame.
+#include "wizard/SetupDlg.h"
+
+#include "app/RunState.h"
+#include "foundation/BoundedText.h"
+#include "foundation/FolderPaths.h"
+#include "install/InstallDriver.h"
+#include "res/resource.h"
+#include "wizard/AgreementDlg.h"
+#include "wizard/FolderDlg.h"
+#include "wizard/GroupDlg.h"
+#include "wizard/IntoDlg.h"
+#include "wizard/StartDlg.h"
+#include "wizard/WelcomePage.h"
+
+enum PageNumber
+{
+    PAGE_NONE = -1,
+    PAGE_INTRO = 0,
+    PAGE_AGREEMENT = 1,
+    PAGE_FOLDER = 2,
+    PAGE_GROUP = 3,
+    PAGE_READY = 4,
+    PAGE_INSTALL = 5,
+};
+
+const int kPageGap = 4; // pixels between the side picture and the page
+
+template <typename PageDlg>
+static CDialog* NewPage()
+{
+    return new PageDlg;
+}
+
+struct CSetupDlg::Page
+{
+    CDialog* (*pfnNew)();
+    UINT nTemplate;
+};
+
+BEGIN_MESSAGE_MAP(CSetupDlg, CDialog)
+ON_BN_CLICKED(IDC_SETUP_BACK, &CSetupDlg::OnBack)
+END_MESSAGE_MAP()
+
+CSetupDlg::CSetupDlg() : CDialog(IDD_SETUP), m_nPage(PAGE_NONE), m_pPage(nullptr) {}
+
+// The last page isn't deleted: its window went with the frame's, and the process ends soon.
+CSetupDlg::~CSetupDlg() {}
+
+void CSetupDlg::DoDataExchange(CDataExchange* pDX)
+{
+    CDialog::DoDataExchange(pDX);
+    DDX_Control(pDX, IDCANCEL, m_cancel);
+    DDX_Control(pDX, IDC_SETUP_SIDE, m_side);
+    DDX_Control(pDX, IDC_SETUP_BACK, m_back);
+    DDX_Control(pDX, IDOK, m_next);
+}
+
+BOOL CSetupDlg::OnInitDialog()
+{
+    CDialog::OnInitDialog();
+    m_next.GetWindowText(g_strNextText);
+    m_cancel.GetWindowText(g_strCancelText);
+    SetWindowText(LoadResString(IDS_SETUP_CAPTION));
+    OnOK();
+    return FALSE; // the step forward has set the focus
+}
+
+// The page's own DestroyWindow is its veto. True if there is no page left to leave.
+bool CSetupDlg::LeavePage()
+{
+    if (m_pPage == nullptr || m_nPage >= PAGE_INSTALL)
+        return true;
+    if (!m_pPage->DestroyWindow())
+        return false;
+    delete m_pPage;
+    m_pPage = nullptr;
+    return true;
+}
+
+void CSetupDlg::ChooseNextPage()
+{
+    ++m_nPage;
+    if (m_nPage == PAGE_GROUP && g_nInstallKind == KIND_PORTABLE)
+        m_nPage = PAGE_READY;
+    // Repeated vetoes of Back can lower the number without a page to match it.
+    if (m_nPage < PAGE_INTRO)
+        m_nPage = PAGE_INTRO;
+}
+
+void CSetupDlg::OnOK()
+{
+    if (!LeavePage())
+        return;
+    ChooseNextPage();
+    if (m_strTitle.IsEmpty())
+        GetWindowText(m_strTitle);
+    if (m_nPage != PAGE_AGREEMENT)
+    {
+        m_next.SetWindowText(g_strNextText);
+        m_cancel.SetWindowText(g_strCancelText);
+    }
+
+    if (m_nPage > PAGE_INSTALL)
+    {
+        EndWizard();
+        return;
+    }
+    if (m_nPage == PAGE_AGREEMENT)
+    {
+        ShowAgreement();
+        return;
+    }
+    CreatePage();
+    if (m_nPage == PAGE_INTRO)
+        m_back.ShowWindow(SW_HIDE);
+    if (m_nPage == PAGE_INSTALL)
+        RunInstallPage();
+    PlacePage();
+}
+
+void CSetupDlg::CreatePage()
+{
+    static const Page kPages[] = {
+        { NewPage<CIntoDlg>, IDD_INTRO },    { NewPage<CAgreementDlg>, IDD_AGREEMENT },
+        { NewPage<CFolderDlg>, IDD_FOLDER }, { NewPage<CGroupDlg>, IDD_GROUP },
+        { NewPage<CStartDlg>, IDD_START },   { NewPage<CStartDlg>, IDD_START },
+    };
+    m_pPage = kPages[m_nPage].pfnNew();
+    m_pPage->Create(kPages[m_nPage].nTemplate, this);
+}
+
+// The agreement covers the side picture's place, and places itself.
+void CSetupDlg::ShowAgreement()
+{
+    m_next.SetWindowText(LoadResString(IDS_YES_BUTTON));
+    m_cancel.SetWindowText(LoadResString(IDS_NO_BUTTON));
+    m_back.ShowWindow(SW_SHOW);
+    m_side.ShowWindow(SW_HIDE);
+    CreatePage();
+    SetWindowText(LoadResString(IDS_ACCEPT_AGREEMENT));
+}
+
+void CSetupDlg::PlacePage()
+{
+    SetWindowText(m_strTitle);
+    m_side.ShowWindow(SW_SHOW);
+    m_next.EnableWindow(TRUE);
+    m_next.SetFocus();
+
+    CRect rectSide;
+    m_side.GetWindowRect(&rectSide);
+    ScreenToClient(&rectSide);
+    m_pPage->SetWindowPos(&wndTop, rectSide.right + kPageGap, rectSide.top, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+}
+
+// No message is handled while the install runs: the disabled buttons are what the user sees.
+void CSetupDlg::RunInstallPage()
+{
+    m_pPage->GetDlgItem(IDC_START_HEADLINE)->ShowWindow(SW_HIDE);
+    m_pPage->GetDlgItem(IDC_START_TEXT)->ShowWindow(SW_HIDE);
+    m_pPage->GetDlgItem(IDC_START_PROGRESS)->ShowWindow(SW_SHOW);
+    m_pPage->UpdateWindow();
+    m_back.EnableWindow(FALSE);
+    m_next.EnableWindow(FALSE);
+    m_cancel.EnableWindow(FALSE);
+
+    if (g_nSilent == SILENT_OFF)
+    {
+        SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+        PerformInstall();
+        SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+    }
+    m_next.EnableWindow(TRUE);
+    ShowReport();
+}
+
+// The report names the version behind the fixed digit 8.
+static CString GetInstalledText()
+{
+    CString strVersion;
+    strVersion.Format(L"Lumacap 8.%02d.%02d", g_nVerMinor, g_nVerFix);
+    CString strText = LoadResString(IDS_INSTALLED);
+    strText.Replace(L"Lumacap 8", strVersion);
+    return strText;
+}
+
+void CSetupDlg::ShowReport()
+{
+    const bool bReboot = g_bRebootNeeded != 0;
+    CWnd* pBox = m_pPage->GetDlgItem(IDC_START_RUN);
+    if (bReboot)
+    {
+        pBox->SetWindowText(LoadResString(IDS_RESTART_BOX));
+        pBox->SendMessage(BM_SETCHECK, BST_CHECKED, 0);
+    }
+    m_next.SetWindowText(LoadResString(IDS_FINISH_BUTTON));
+
+    CWnd* pProgress = m_pPage->GetDlgItem(IDC_START_PROGRESS);
+    if (g_nInstallKind != KIND_PORTABLE)
+    {
+        pProgress->ShowWindow(SW_HIDE);
+        pBox->ShowWindow(SW_SHOW);
+    }
+    else
+    {
+        pProgress->SetWindowText(FormatResString(IDS_RUN_PORTABLE, CutLastPart(g_strInstDir)));
+    }
+
+    CWnd* pHeadline = m_pPage->GetDlgItem(IDC_START_HEADLINE);
+    CWnd* pText = m_pPage->GetDlgItem(IDC_START_TEXT);
+    pHeadline->SetWindowText(GetInstalledText());
+    pText->SetWindowText(LoadResString(bReboot ? IDS_RESTART_NEEDED : IDS_PRESS_FINISH));
+    pHeadline->ShowWindow(SW_SHOW);
+    pText->ShowWindow(SW_SHOW);
+    m_next.SetFocus();
+}
+
+void CSetupDlg::EndWizard()
+{
+    g_bRunAfter = static_cast<int>(m_pPage->GetDlgItem(IDC_START_RUN)->SendMessage(BM_GETCHECK, 0, 0));
+    OpenWelcomePage();
+    CDialog::OnOK();
+}
+
+// A veto of the page leaves the lowered number standing, and the next step forward goes on from there. That is settled.
+void CSetupDlg::OnBack()
+{
+    m_nPage -= 2;
+    if (m_nPage == PAGE_FOLDER && g_nInstallKind == KIND_PORTABLE)
+        m_nPage = PAGE_AGREEMENT;
+    OnOK();
+}
+
+void CSetupDlg::OnCancel()
+{
+    // Windows sends nothing from a disabled button, but Esc and the system menu come through on some systems.
+    if (!m_cancel.IsWindowEnabled())
+        return;
+    if (AfxMessageBox(IDS_CONFIRM_CANCEL, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES)
+        CDialog::OnCancel();
+}

@@ -1,0 +1,5 @@
+// The ready page.
+#include "wizard/StartDlg.h"
+
+BEGIN_MESSAGE_MAP(CStartDlg, CDialog)
+END_MESSAGE_MAP()
