@@ -128,6 +128,14 @@ std::vector<std::wstring> ListTree(const std::wstring& strFolder)
     return paths;
 }
 
+std::wstring TreeText(const std::wstring& strFolder)
+{
+    std::wstring strPaths;
+    for (const std::wstring& strPath : ListTree(strFolder))
+        strPaths += (strPaths.empty() ? L"" : L" ") + strPath;
+    return strPaths;
+}
+
 static bool TryRemoveTree(const std::wstring& strPath)
 {
     const DWORD nAttributes = AttributesOf(strPath);

@@ -31,6 +31,9 @@ void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);
 // What lies below the folder, as sorted relative paths; folders end in a backslash. Empty for a missing folder.
 std::vector<std::wstring> ListTree(const std::wstring& strFolder);
 
+// The same paths in one text, separated by blanks.
+std::wstring TreeText(const std::wstring& strFolder);
+
 // Removes a file, or a folder with all in it, read-only files too. A path that isn't there is no failure.
 void RemoveTree(const std::wstring& strPath);
 

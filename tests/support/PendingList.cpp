@@ -33,6 +33,26 @@ std::vector<PENDING> PendingEntries()
     return entries;
 }
 
+static std::wstring RelativePath(const std::wstring& strPath, const std::wstring& strFolder)
+{
+    if (strPath == strFolder)
+        return L".";
+    return strPath.find(strFolder + L"\\") == 0 ? strPath.substr(strFolder.size() + 1) : strPath;
+}
+
+std::wstring PendingText(const std::wstring& strFolder)
+{
+    std::wstring strText;
+    for (const PENDING& entry : PendingEntries())
+    {
+        const std::wstring strSource = RelativePath(entry.strSource, strFolder);
+        strText += strText.empty() ? L"" : L" ";
+        strText +=
+            entry.strTarget.empty() ? L"-" + strSource : strSource + L">" + RelativePath(entry.strTarget, strFolder);
+    }
+    return strText;
+}
+
 void ClearPending()
 {
     RemoveValue(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue);

@@ -15,6 +15,10 @@ struct PENDING
 // The entries in their order. The paths lack the native prefix "\??\".
 std::vector<PENDING> PendingEntries();
 
+// The same in one text, separated by blanks: "-PATH" for a deletion, "SOURCE>TARGET" for a replacement. The paths are
+// relative to the folder; the folder itself is ".".
+std::wstring PendingText(const std::wstring& strFolder);
+
 // Empties the list, lifts a block and removes the profile file.
 void ClearPending();
 
