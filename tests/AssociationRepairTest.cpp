@@ -1,0 +1,245 @@
+// What a removal does to the associations of the product's image formats, in this process and in the program itself,
+// on Windows before Vista and from Vista on.
+#include "uninstall/AssociationRepair.h"
+
+#include <gtest/gtest.h>
+#include <shlobj.h>
+
+#include "app/RunState.h"
+#include "tests/support/Corner.h"
+#include "tests/support/Environment.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/Machine.h"
+#include "tests/support/ProcessRun.h"
+#include "tests/support/RegistryCorner.h"
+
+namespace
+{
+
+const wchar_t kFileExts[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
+const wchar_t* const kFormats[] = { L".bmp", L".dib", L".gif", L".jpg", L".jpeg", L".tif", L".tiff",
+                                    L".png", L".cmp", L".tga", L".wpg", L".jp2",  L".j2k", L".lcp" };
+const wchar_t kForeignFormat[] = L".lcptest";
+
+// One extension before and after; null: absent. On systems before Vista the association is a value of the extension's
+// key, later the text "Progid" of its key "UserChoice".
+struct CASE
+{
+    const wchar_t* pszExtension;
+    const wchar_t* pszAssociation;
+    const wchar_t* pszOld; // the value "LumacapOld"
+    const wchar_t* pszAssociationLeft;
+    const wchar_t* pszOldLeft;
+};
+
+const CASE kBeforeVista[] = {
+    { L".bmp", L"Lumacap8.exe", L"bmpfile", L"bmpfile", nullptr },
+    { L".dib", L"Lumacap8.exe", nullptr, nullptr, nullptr },
+    { L".gif", L"Applications\\Lumacap8.exe", L"", nullptr, nullptr },
+    { L".jpg", L"jpegfile", L"older", L"jpegfile", L"older" },
+    { L".png", L"lumacap8.EXE", L"older", L"lumacap8.EXE", L"older" },
+    { L".tif", L"", L"older", L"", L"older" },
+    { L".tga", nullptr, L"older", nullptr, L"older" },
+    { L".wpg", L"\"C:\\Lumacap8.exe.old\"", L"Lumacap8.exe", L"Lumacap8.exe", nullptr },
+    { kForeignFormat, L"Lumacap8.exe", L"older", L"Lumacap8.exe", L"older" },
+};
+
+const CASE kFromVistaOn[] = {
+    { L".bmp", L"Applications\\Lumacap8.exe", L"bmpfile", nullptr, nullptr },
+    { L".dib", L"Applications\\Lumacap8.exe", nullptr, nullptr, nullptr },
+    { L".gif", L"Lumacap.8", L"older", L"Lumacap.8", nullptr },
+    { L".jpg", L"jpegfile", L"older", L"jpegfile", nullptr },
+    { L".png", L"Applications\\lumacap8.exe", L"older", L"Applications\\lumacap8.exe", nullptr },
+    { L".tga", nullptr, L"older", nullptr, nullptr },
+    { L".wpg", L"x.Applications\\Lumacap8.exe.y", L"older", nullptr, nullptr },
+    { kForeignFormat, L"Applications\\Lumacap8.exe", L"older", L"Applications\\Lumacap8.exe", L"older" },
+};
+
+struct FORM
+{
+    const wchar_t* pszVersion; // Wine's name of it
+    DWORD nMajor;
+    bool bFileExts; // the shell's own key is there; else the classes take its place
+};
+
+const FORM kForms[] = {
+    { L"winxp64", 5, true }, { L"winxp64", 5, false }, { L"win7", 6, true }, { L"win7", 6, false }
+};
+
+class AssociationRepair : public MachineCorner
+{
+protected:
+    void SetUp() override
+    {
+        MachineCorner::SetUp();
+        m_registry.ClearProduct();
+        for (const wchar_t* pszFormat : kFormats)
+            m_registry.Clear(HKEY_CLASSES_ROOT, pszFormat);
+        m_registry.Clear(HKEY_CLASSES_ROOT, kForeignFormat);
+    }
+
+    void Use(const FORM& form)
+    {
+        m_form = form;
+        g_osVersion.dwMajorVersion = form.nMajor;
+        RemoveKey(HKEY_CURRENT_USER, kFileExts);
+        if (form.bFileExts)
+            MakeKey(HKEY_CURRENT_USER, kFileExts);
+    }
+
+    HKEY Root() const { return m_form.bFileExts ? HKEY_CURRENT_USER : HKEY_CLASSES_ROOT; }
+    std::wstring Key(const std::wstring& strExtension) const
+    {
+        return m_form.bFileExts ? std::wstring(kFileExts) + L"\\" + strExtension : strExtension;
+    }
+    std::wstring AssociationKey(const std::wstring& strExtension) const
+    {
+        return m_form.nMajor < 6 ? Key(strExtension) : Key(strExtension) + L"\\UserChoice";
+    }
+    const wchar_t* AssociationValue() const
+    {
+        return m_form.nMajor >= 6 ? L"Progid" : m_form.bFileExts ? L"Application" : L"";
+    }
+
+    void Make(const CASE& row) const
+    {
+        RemoveKey(Root(), Key(row.pszExtension));
+        MakeKey(Root(), Key(row.pszExtension));
+        if (row.pszAssociation != nullptr)
+            SetKeyText(Root(), AssociationKey(row.pszExtension), AssociationValue(), row.pszAssociation);
+        if (row.pszOld != nullptr)
+            SetKeyText(Root(), Key(row.pszExtension), L"LumacapOld", row.pszOld);
+    }
+
+    void ExpectLeft(const CASE& row) const
+    {
+        const std::wstring strAbsent = L"(absent)";
+        EXPECT_EQ(KeyText(Root(), AssociationKey(row.pszExtension), AssociationValue()),
+                  row.pszAssociationLeft ? row.pszAssociationLeft : strAbsent);
+        EXPECT_EQ(KeyText(Root(), Key(row.pszExtension), L"LumacapOld"), row.pszOldLeft ? row.pszOldLeft : strAbsent);
+        EXPECT_TRUE(KeyExists(Root(), Key(row.pszExtension)));
+        EXPECT_EQ(KeyExists(Root(), AssociationKey(row.pszExtension)),
+                  m_form.nMajor < 6 || row.pszAssociationLeft != nullptr);
+    }
+
+    // Puts all rows in place together, repairs, and looks at each.
+    template <size_t nRows>
+    void Try(const CASE (&rows)[nRows], const std::function<void()>& repair) const
+    {
+        for (const CASE& row : rows)
+            Make(row);
+        repair();
+        for (const CASE& row : rows)
+        {
+            SCOPED_TRACE(testing::PrintToString(m_form.pszVersion) + testing::PrintToString(AssociationKey(L"")) +
+                         testing::PrintToString(row.pszExtension));
+            ExpectLeft(row);
+        }
+        EXPECT_FALSE(KeyExists(Root(), Key(L".jp2"))) << "a key was made";
+    }
+
+    void TryAll(const std::function<void()>& repair)
+    {
+        for (const FORM& form : kForms)
+        {
+            Use(form);
+            form.nMajor < 6 ? Try(kBeforeVista, repair) : Try(kFromVistaOn, repair);
+        }
+    }
+
+    CRegistryCorner m_registry;
+    FORM m_form = kForms[0];
+};
+
+TEST_F(AssociationRepair, EachExtensionIsJudgedForItself)
+{
+    TryAll(RepairFileAssociations);
+}
+
+TEST_F(AssociationRepair, ProgramItselfRepairsOnEachWindows)
+{
+    TryAll(
+        [this]
+        {
+            const CWindowsVersion version(m_form.pszVersion);
+            CopyOneFile(BuildFolder() + L"\\setup.exe", At(L"stage.exe"));
+            EXPECT_EQ(RunToEnd(At(L"stage.exe") + L" -delself " + At(L"LumUnInst.exe")), 0u);
+        });
+}
+
+TEST_F(AssociationRepair, EveryFormatOfTheProductIsRepaired)
+{
+    for (const FORM& form : kForms)
+    {
+        Use(form);
+        for (const wchar_t* pszFormat : kFormats)
+            Make({ pszFormat, L"Applications\\Lumacap8.exe", L"older", nullptr, nullptr });
+        RepairFileAssociations();
+        for (const wchar_t* pszFormat : kFormats)
+        {
+            SCOPED_TRACE(testing::PrintToString(pszFormat));
+            ExpectLeft({ pszFormat, nullptr, nullptr, form.nMajor < 6 ? L"older" : nullptr, nullptr });
+        }
+    }
+}
+
+TEST_F(AssociationRepair, ShellHearsOfChangesAlone)
+{
+    const struct
+    {
+        const wchar_t* pszAssociation;
+        int nNotices;
+    } cases[] = { { L"Applications\\Lumacap8.exe", 1 }, { L"Lumacap.8", 0 }, { nullptr, 0 } };
+    for (const FORM& form : kForms)
+    {
+        Use(form);
+        for (const auto& row : cases)
+        {
+            Make({ L".gif", row.pszAssociation, L"older", nullptr, nullptr });
+            Make({ L".lcp", row.pszAssociation, L"older", nullptr, nullptr });
+            CCallHook hook("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
+            hook.Replace(
+                [](LONG nEvent, UINT nFlags, const void* pFirst, const void* pSecond)
+                {
+                    EXPECT_EQ(nEvent, SHCNE_ASSOCCHANGED);
+                    EXPECT_EQ(nFlags, 0u);
+                    EXPECT_TRUE(pFirst == nullptr && pSecond == nullptr);
+                });
+            RepairFileAssociations();
+            EXPECT_EQ(hook.Calls(), row.nNotices) << form.nMajor << testing::PrintToString(row.pszAssociation);
+        }
+    }
+}
+
+TEST_F(AssociationRepair, UserChoiceWithSubkeyStaysAndStillCountsAsChange)
+{
+    Use({ L"win7", 6, true });
+    Make({ L".gif", L"Applications\\Lumacap8.exe", L"older", nullptr, nullptr });
+    MakeKey(Root(), AssociationKey(L".gif") + L"\\Below");
+    CCallHook hook("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
+    RepairFileAssociations();
+    EXPECT_EQ(hook.Calls(), 1);
+    EXPECT_EQ(KeyText(Root(), AssociationKey(L".gif"), L"Progid"), L"Applications\\Lumacap8.exe");
+    EXPECT_FALSE(ValueExists(Root(), Key(L".gif"), L"LumacapOld"));
+}
+
+TEST_F(AssociationRepair, WithNeitherBaseKeyNothingHappens)
+{
+    for (const DWORD nMajor : { 5, 6 })
+    {
+        Use({ L"", nMajor, false });
+        const CASE row = { L".gif", L"Applications\\Lumacap8.exe", L"older", L"Applications\\Lumacap8.exe", L"older" };
+        Make(row);
+        CCallHook notice("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
+        {
+            CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+            hook.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
+            RepairFileAssociations();
+            EXPECT_EQ(hook.Calls(), 2) << "an extension was looked for";
+        }
+        EXPECT_EQ(notice.Calls(), 0);
+        ExpectLeft(row);
+    }
+}
+
+} // namespace

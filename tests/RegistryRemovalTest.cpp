@@ -1,0 +1,210 @@
+// The registry sweep of a removal: what goes for the machine, the current user and every loaded hive, and what stays.
+#include "uninstall/RegistryRemoval.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/Corner.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/MachineState.h"
+#include "tests/support/RegistryCorner.h"
+#include "uninstall/RegistryWalk.h"
+
+namespace
+{
+
+// Two users who are logged on beside the current one, in the order of the enumeration.
+const wchar_t kHive[] = L"S-1-5-21-7-7-7-1001";
+const wchar_t kLaterHive[] = L"S-1-5-21-7-7-7-1002";
+
+const wchar_t kTree[] = L"Software\\RegistryRemovalTest";
+#define CURRENT_VERSION L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\"
+
+class RegistryRemoval : public MachineCorner
+{
+protected:
+    void SetUp() override
+    {
+        MachineCorner::SetUp();
+        m_registry.ClearProduct();
+        m_registry.Clear(HKEY_USERS, kHive);
+        m_registry.Clear(HKEY_USERS, kLaterHive);
+        m_registry.Clear(HKEY_CURRENT_USER, kTree);
+    }
+
+    static void Sweep() { RemoveProductRegistry(L"Tandrel", L"Lumacap 8", L"Lumacap 8", L"Lumacap8.exe"); }
+
+    CRegistryCorner m_registry;
+};
+
+struct PLACE
+{
+    HKEY hRoot;
+    std::wstring strKey;
+};
+
+std::string Name(const PLACE& place)
+{
+    return testing::PrintToString(reinterpret_cast<UINT_PTR>(place.hRoot) & 0xF) + " " +
+           testing::PrintToString(place.strKey);
+}
+
+TEST_F(RegistryRemoval, TreeLosesAllButWhatCannotBeDeletedAndItsParents)
+{
+    for (const wchar_t* pszKey :
+         { L"\\A\\1\\x", L"\\A\\2", L"\\B\\Before", L"\\B\\Stuck\\Inner", L"\\B\\Zero", L"\\C" })
+        MakeKey(HKEY_CURRENT_USER, std::wstring(kTree) + pszKey);
+    {
+        CCallHook hook("ADVAPI32.dll", "RegDeleteKeyW", &RegDeleteKeyW);
+        hook.Replace([&](HKEY hKey, const wchar_t* pszKey)
+                     { return wcscmp(pszKey, L"Stuck") == 0 ? ERROR_ACCESS_DENIED : hook.Original()(hKey, pszKey); });
+        EXPECT_EQ(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0);
+    }
+    const std::vector<std::wstring> left = { L"T", L"T\\B", L"T\\B\\Stuck" };
+    EXPECT_EQ(FlattenKey(HKEY_CURRENT_USER, kTree, L"T"), left);
+
+    EXPECT_NE(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0);
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kTree));
+    EXPECT_EQ(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0) << "nothing was there to delete";
+}
+
+TEST_F(RegistryRemoval, KeyThatCannotBeOpenedIsStillDeleted)
+{
+    MakeKey(HKEY_CURRENT_USER, kTree);
+    CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+    hook.FailOnly(1, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
+    EXPECT_NE(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0);
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, kTree));
+}
+
+// What of the product goes with all below it, and beside it what looks alike and belongs to somebody else.
+TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
+{
+    const std::wstring strHive = std::wstring(kHive) + L"\\";
+    const PLACE gone[] = {
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel\\Lumacap 8" },
+        { HKEY_USERS, strHive + L"SOFTWARE\\Tandrel\\Lumacap 8" },
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
+        { HKEY_USERS, strHive + L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
+        { HKEY_CLASSES_ROOT, L"LC8.Document" },
+        { HKEY_CLASSES_ROOT, L"Lumacap.8" },
+        { HKEY_LOCAL_MACHINE, CURRENT_VERSION L"App Paths\\Lumacap8.exe" },
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff" },
+    };
+    const PLACE kept[] = {
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 7" },
+        { HKEY_USERS, strHive + L"SOFTWARE\\Classes\\Applications\\Lumacap7.exe" },
+        { HKEY_USERS, strHive + L"SOFTWARE\\Classes\\LC8.Document" },
+        { HKEY_LOCAL_MACHINE, CURRENT_VERSION L"Uninstall\\Lumacap 8 Plus" },
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\other" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla\\NativeMessagingHosts" },
+    };
+    m_registry.Clear(HKEY_LOCAL_MACHINE, kept[3].strKey);
+    for (const PLACE& place : gone)
+        SetKeyText(place.hRoot, place.strKey + L"\\Below\\Deeper", L"Value", L"text");
+    for (const PLACE& place : kept)
+        SetKeyText(place.hRoot, place.strKey, L"Value", L"text");
+    MakeKey(HKEY_LOCAL_MACHINE, CURRENT_VERSION L"Uninstall\\Lumacap 8");
+    for (const wchar_t* pszName : { L"Lumacap.8", L"Lumacap.7" })
+        SetKeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", pszName, L"x");
+
+    Sweep();
+
+    for (const PLACE& place : gone)
+        EXPECT_FALSE(KeyExists(place.hRoot, place.strKey)) << Name(place);
+    for (const PLACE& place : kept)
+        EXPECT_EQ(KeyText(place.hRoot, place.strKey, L"Value"), L"text") << Name(place);
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, CURRENT_VERSION L"Uninstall\\Lumacap 8"));
+    EXPECT_FALSE(ValueExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", L"Lumacap.8"));
+    EXPECT_TRUE(ValueExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", L"Lumacap.7"));
+}
+
+TEST_F(RegistryRemoval, CompanyKeyIsKeptByAnotherProductInEachHiveForItself)
+{
+    const PLACE companies[] = {
+        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel" },
+        { HKEY_USERS, std::wstring(kHive) + L"\\SOFTWARE\\Tandrel" },
+        { HKEY_USERS, std::wstring(kLaterHive) + L"\\SOFTWARE\\Tandrel" },
+    };
+    for (const PLACE& sharing : companies)
+    {
+        for (const PLACE& company : companies)
+        {
+            SetKeyText(company.hRoot, company.strKey, L"Customer", L"values don't keep a key");
+            SetKeyText(company.hRoot, company.strKey + L"\\Lumacap 8\\View", L"Zoom", L"100");
+        }
+        MakeKey(sharing.hRoot, sharing.strKey + L"\\Another Product");
+
+        Sweep();
+
+        for (const PLACE& company : companies)
+        {
+            const bool bShared = &company == &sharing;
+            EXPECT_EQ(KeyExists(company.hRoot, company.strKey), bShared) << Name(company) << " of " << Name(sharing);
+            EXPECT_EQ(ValueExists(company.hRoot, company.strKey, L"Customer"), bShared) << Name(company);
+            EXPECT_FALSE(KeyExists(company.hRoot, company.strKey + L"\\Lumacap 8")) << Name(company);
+        }
+        RemoveKey(sharing.hRoot, sharing.strKey);
+    }
+}
+
+TEST_F(RegistryRemoval, HiveThatDoesNotOpenIsPassedOver)
+{
+    for (const wchar_t* pszHive : { kHive, kLaterHive })
+        MakeKey(HKEY_USERS, std::wstring(pszHive) + L"\\SOFTWARE\\Tandrel\\Lumacap 8");
+    {
+        CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+        hook.Replace(
+            [&](HKEY hKey, const wchar_t* pszKey, DWORD nOptions, REGSAM nAccess, HKEY* pKey) -> LSTATUS
+            {
+                if (hKey == HKEY_USERS && pszKey != nullptr && wcscmp(pszKey, kHive) == 0)
+                    return ERROR_SHARING_VIOLATION;
+                return hook.Original()(hKey, pszKey, nOptions, nAccess, pKey);
+            });
+        Sweep();
+    }
+    EXPECT_TRUE(KeyExists(HKEY_USERS, std::wstring(kHive) + L"\\SOFTWARE\\Tandrel\\Lumacap 8"));
+    EXPECT_FALSE(KeyExists(HKEY_USERS, std::wstring(kLaterHive) + L"\\SOFTWARE\\Tandrel"));
+}
+
+TEST_F(RegistryRemoval, UninstallEntryWithSubkeyStays)
+{
+    const std::wstring strEntry = CURRENT_VERSION L"Uninstall\\Lumacap 8";
+    SetKeyText(HKEY_LOCAL_MACHINE, strEntry, L"DisplayName", L"Lumacap 8");
+    MakeKey(HKEY_LOCAL_MACHINE, strEntry + L"\\Patches");
+    Sweep();
+    EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, strEntry, L"DisplayName"), L"Lumacap 8");
+    EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, strEntry + L"\\Patches"));
+}
+
+TEST_F(RegistryRemoval, MachineWithoutTheProductIsLeftAsItIs)
+{
+    MakeKey(HKEY_USERS, std::wstring(kHive) + L"\\Software");
+    const auto takePicture = []
+    {
+        std::vector<std::wstring> lines = FlattenKey(HKEY_LOCAL_MACHINE, L"SOFTWARE", L"HKLM");
+        for (const std::wstring& strLine : FlattenKey(HKEY_USERS, L"", L"HKU"))
+            lines.push_back(strLine);
+        return lines;
+    };
+    const std::vector<std::wstring> before = takePicture();
+    Sweep();
+    EXPECT_TRUE(takePicture() == before);
+}
+
+TEST_F(RegistryRemoval, TextIsReadUpToItsCapacityAndLeftOutBeyond)
+{
+    for (const auto& [nLength, bRead] : { std::pair(1, true), { 511, true }, { 512, false }, { 600, false } })
+    {
+        const std::wstring strText(nLength, L'x');
+        SetKeyText(HKEY_CURRENT_USER, kTree, L"", strText);
+        CKeyOwner key;
+        RegOpenKeyExW(HKEY_CURRENT_USER, kTree, 0, KEY_READ, key.Receive());
+        EXPECT_EQ(static_cast<const wchar_t*>(QueryRegText(key, nullptr)), bRead ? strText : L"") << nLength;
+    }
+}
+
+} // namespace

@@ -1,0 +1,230 @@
+// The two stages of a removal as the processes that they are: the question, the hand-over, what each stage leaves.
+#include <gtest/gtest.h>
+#include <winternl.h>
+
+#include "foundation/Owners.h"
+#include "tests/support/BoxDriver.h"
+#include "tests/support/Corner.h"
+#include "tests/support/Environment.h"
+#include "tests/support/Machine.h"
+#include "tests/support/PendingList.h"
+#include "tests/support/ProcessRun.h"
+#include "tests/support/RegistryCorner.h"
+
+namespace
+{
+
+const wchar_t kQuestion[] = L"This will completely uninstall Lumacap 8.\nDo you want to continue?";
+const wchar_t kClosingMessage[] = L"Lumacap 8 has been completely uninstalled from this computer.\n\nIf some Lumacap "
+                                  L"files could not be deleted at this time, they will be removed upon the reboot of "
+                                  L"this computer.";
+
+// Read out of the process's own memory.
+std::wstring CommandLineOf(DWORD nProcessId)
+{
+    const auto pfnQuery = reinterpret_cast<decltype(&NtQueryInformationProcess)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+    const CHandleOwner process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, nProcessId));
+    PROCESS_BASIC_INFORMATION basic = {};
+    PEB peb = {};
+    RTL_USER_PROCESS_PARAMETERS parameters = {};
+    wchar_t szText[1024] = L"";
+    pfnQuery(process, ProcessBasicInformation, &basic, sizeof(basic), nullptr);
+    ReadProcessMemory(process, basic.PebBaseAddress, &peb, sizeof(peb), nullptr);
+    ReadProcessMemory(process, peb.ProcessParameters, &parameters, sizeof(parameters), nullptr);
+    ReadProcessMemory(process, parameters.CommandLine.Buffer, szText, parameters.CommandLine.Length, nullptr);
+    return szText;
+}
+
+class Relaunch : public MachineCorner
+{
+protected:
+    void SetUp() override
+    {
+        MachineCorner::SetUp();
+        m_registry.ClearProduct();
+        MakeFolder(At(L"temp"));
+        MakeProduct(L"product");
+    }
+
+    // A product of nothing but its uninstaller.
+    void MakeProduct(const std::wstring& strFolder)
+    {
+        m_strProduct = At(strFolder);
+        CopyOneFile(BuildFolder() + L"\\setup.exe", Uninstaller());
+    }
+    std::wstring Uninstaller() const { return m_strProduct + L"\\LumUnInst.exe"; }
+
+    // The first stage, with a temporary folder of its own.
+    std::unique_ptr<CProcessRun> Start(const std::wstring& strArguments, const std::wstring& strTemp = L"temp") const
+    {
+        auto pRun = std::make_unique<CProcessRun>(L"\"" + Uninstaller() + L"\" " + strArguments);
+        pRun->AddEnvironment(L"TMP", At(strTemp));
+        pRun->Start();
+        return pRun;
+    }
+
+    // A second stage started by hand.
+    std::wstring SecondStage(const std::wstring& strArguments) const
+    {
+        CopyOneFile(BuildFolder() + L"\\setup.exe", At(L"stage.exe"));
+        return At(L"stage.exe") + L" " + strArguments;
+    }
+
+    CRegistryCorner m_registry;
+    std::wstring m_strProduct;
+};
+
+TEST_F(Relaunch, SecondStageIsGivenTheUninstallerAndTheSilence)
+{
+    const struct
+    {
+        const wchar_t* pszTemp;
+        const wchar_t* pszProduct;
+        const wchar_t* pszArguments;
+        bool bSilent;
+    } cases[] = {
+        { L"temp", L"product", L"", true },
+        { L"temp with blanks", L"product", L"-sconf -v", true },
+        { L"temp", L"product with blanks", L"-delself", true },
+        { L"temp with blanks", L"product with blanks", L"-v", false },
+    };
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(row.pszTemp) + testing::PrintToString(row.pszProduct));
+        MakeFolder(At(row.pszTemp));
+        MakeProduct(row.pszProduct);
+        const auto pRun = Start(row.pszArguments, row.pszTemp);
+        if (!row.bSilent)
+            ExpectBox(pRun->Id(), IDYES);
+
+        ASSERT_TRUE(WaitUntil([] { return ProcessesNamed(L"uni*.tmp").size() == 1; }));
+        const std::vector<std::wstring> copies = ListTree(At(row.pszTemp));
+        ASSERT_EQ(copies.size(), 1u);
+        const std::wstring strCopy = At(row.pszTemp) + L"\\" + copies[0];
+        EXPECT_EQ(copies[0].size(), wcslen(L"uni0000.tmp"));
+        EXPECT_EQ(ReadBytes(strCopy), ReadBytes(BuildFolder() + L"\\setup.exe"));
+        const auto quote = [](const std::wstring& strPath)
+        { return strPath.find(L' ') == std::wstring::npos ? strPath : L"\"" + strPath + L"\""; };
+        EXPECT_EQ(CommandLineOf(ProcessesNamed(L"uni*.tmp")[0]),
+                  quote(strCopy) + L" -delself " + quote(Uninstaller()) + (row.bSilent ? L" -s" : L""));
+
+        ASSERT_TRUE(pRun->WaitForFamily()) << "the second stage stays, perhaps with a message";
+        EXPECT_EQ(pRun->ExitCode(), 0u);
+        EXPECT_FALSE(IsThere(m_strProduct));
+        EXPECT_TRUE(IsThere(strCopy));
+        ASSERT_FALSE(PendingEntries().empty());
+        EXPECT_EQ(PendingEntries()[0], (PENDING{ strCopy, L"" })) << "the copy's end is arranged before all else";
+        RestartMachine();
+        EXPECT_FALSE(IsThere(strCopy));
+    }
+}
+
+// "-v" counts in any case and place but behind "-sconf"; "-delself" counts in lower case, in the first place and with
+// a path behind it.
+TEST_F(Relaunch, QuestionIsAskedInTheFirstStageAndNoTouchesNothing)
+{
+    CProcessRun product(PackageFolder() + L"\\Lumacap8.exe -nowindow");
+    product.Start();
+    WriteBytes(m_strProduct + L"\\LumUnInst.log", "File Copy: LumUnInst.log\r\n");
+    const wchar_t* const kAsking[] = { L"-v",
+                                       L"-V",
+                                       L"-s -v",
+                                       L"other -v -sconf",
+                                       L"-DELSELF C:\\x\\y.exe -v",
+                                       L"-v -delself C:\\x\\y.exe",
+                                       L"-s -delself C:\\x\\y.exe -v" };
+    std::vector<std::unique_ptr<CProcessRun>> runs; // all at a time, since a box takes its time to go
+    for (const wchar_t* pszArguments : kAsking)
+        runs.push_back(Start(pszArguments));
+    for (size_t i = 0; i < runs.size(); i++)
+    {
+        SCOPED_TRACE(testing::PrintToString(kAsking[i]));
+        BOX box;
+        ASSERT_TRUE(FindBox(runs[i]->Id(), box));
+        EXPECT_EQ(box.strText, kQuestion);
+        EXPECT_EQ(box.strCaption, L"Lumacap Setup");
+        EXPECT_EQ(box.nIcon, static_cast<UINT>(MB_ICONEXCLAMATION));
+        EXPECT_EQ(box.buttons, (std::vector<int>{ IDYES, IDNO }));
+        EXPECT_EQ(box.nDefault, IDNO);
+        PostMessageW(box.hWnd, WM_COMMAND, IDNO, 0);
+    }
+    for (const auto& pRun : runs)
+    {
+        ASSERT_TRUE(pRun->WaitForFamily());
+        EXPECT_EQ(pRun->ExitCode(), 0u);
+    }
+    EXPECT_EQ(ListTree(m_strProduct), (std::vector<std::wstring>{ L"LumUnInst.exe", L"LumUnInst.log" }));
+    EXPECT_TRUE(ListTree(At(L"temp")).empty());
+    EXPECT_TRUE(PendingEntries().empty());
+    EXPECT_EQ(product.ExitCode(), static_cast<DWORD>(STILL_ACTIVE)) << "the product was closed before the answer";
+}
+
+TEST_F(Relaunch, RunningProductIsClosedWithoutAQuestion)
+{
+    CopyOneFile(PackageFolder() + L"\\Lumacap8.exe", m_strProduct + L"\\Lumacap8.exe");
+    WriteBytes(m_strProduct + L"\\LumUnInst.log", "File Copy: Lumacap8.exe\r\n");
+    CProcessRun stubborn(m_strProduct + L"\\Lumacap8.exe -ignoreclose");
+    CProcessRun hidden(m_strProduct + L"\\Lumacap8.exe -nowindow -report " + At(L"report"));
+    stubborn.Start();
+    hidden.Start();
+    ASSERT_TRUE(WaitUntil([&] { return IsThere(At(L"report")); }));
+    const auto pRun = Start(L"");
+    ASSERT_TRUE(pRun->WaitForFamily());
+    EXPECT_TRUE(stubborn.WaitForEnd(0) && hidden.WaitForEnd(0));
+    EXPECT_FALSE(IsThere(m_strProduct));
+}
+
+TEST_F(Relaunch, ClosingMessageComesOnlyFromASecondStageThatIsToldToSpeak)
+{
+    CProcessRun run(SecondStage(L"-delself " + Uninstaller() + L" -v"));
+    run.Start();
+    BOX box;
+    ASSERT_TRUE(FindBox(run.Id(), box));
+    EXPECT_EQ(box.strText, kClosingMessage);
+    EXPECT_EQ(box.strCaption, L"Lumacap 8");
+    EXPECT_EQ(box.buttons, (std::vector<int>{ IDOK }));
+    EXPECT_FALSE(IsThere(m_strProduct)) << "the message came before the removal";
+    EXPECT_TRUE(AnswerBox(box, IDOK));
+    EXPECT_TRUE(run.WaitForFamily());
+    EXPECT_EQ(run.ExitCode(), 0u);
+}
+
+TEST_F(Relaunch, SecondStageGivesTheFirstOneASecondToLeave)
+{
+    CProcessRun run(SecondStage(L"-delself " + Uninstaller()));
+    const ULONGLONG nStart = GetTickCount64();
+    run.Start();
+    ASSERT_TRUE(WaitUntil([&] { return !IsThere(Uninstaller()); }));
+    EXPECT_GE(GetTickCount64() - nStart, 1000u);
+    EXPECT_TRUE(run.WaitForFamily());
+}
+
+TEST_F(Relaunch, ThumbnailHandlerIsUnregisteredFromVistaOn)
+{
+    const std::wstring strHandler = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}";
+    m_registry.Clear(HKEY_CLASSES_ROOT, strHandler);
+    for (const wchar_t* pszVersion : { L"winxp64", L"vista" })
+    {
+        MakeProduct(L"product with blanks");
+        const std::wstring strLibrary = m_strProduct + L"\\ThumbLcp64.dll";
+        CopyOneFile(PackageFolder() + L"\\ThumbLcp64.dll", strLibrary);
+        ASSERT_EQ(RunToEnd(L"regsvr32.exe /s \"" + strLibrary + L"\""), 0u);
+        ASSERT_TRUE(KeyExists(HKEY_CLASSES_ROOT, strHandler));
+        const CWindowsVersion version(pszVersion);
+        RunToEnd(SecondStage(L"-delself \"" + Uninstaller() + L"\""));
+        EXPECT_EQ(KeyExists(HKEY_CLASSES_ROOT, strHandler), wcscmp(pszVersion, L"winxp64") == 0);
+        EXPECT_TRUE(IsThere(strLibrary)) << "no record names it";
+    }
+}
+
+TEST_F(Relaunch, WithoutATemporaryFolderTheProductStaysAndNothingIsSaid)
+{
+    const auto pRun = Start(L"", L"missing");
+    ASSERT_TRUE(pRun->WaitForFamily());
+    EXPECT_EQ(pRun->ExitCode(), 0u);
+    EXPECT_EQ(ListTree(m_strProduct), (std::vector<std::wstring>{ L"LumUnInst.exe" }));
+    EXPECT_TRUE(PendingEntries().empty());
+}
+
+} // namespace
