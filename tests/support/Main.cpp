@@ -11,8 +11,8 @@
 #include <stdlib.h>
 
 #include "app/RunState.h"
+#include "tests/support/ChildRole.h"
 #include "tests/support/ProgramState.h"
-#include "tests/support/RegistryCorner.h"
 
 const int kWrongMachine = 3;
 const int kCrash = 4;
@@ -60,13 +60,13 @@ int wmain(int argc, wchar_t** argv)
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     SetUnhandledExceptionFilter(ReportCrash);
     signal(SIGABRT, ReportAbort);
+    int nResult = 0;
+    if (CChildRole::Run(argc, argv, nResult))
+        return nResult;
 
     LeaveProductList();
     AfxWinInit(GetModuleHandleW(nullptr), nullptr, GetCommandLineW(), SW_SHOWNORMAL);
     ResetProgramState();
-
-    // No window manager runs on a test's display, and Wine would wait two seconds for it at each window's closing.
-    SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine\\X11 Driver", L"Managed", L"N");
 
     // The desktop comes up with its first user; it must not be the child of a program under test, and end with it.
     GetDesktopWindow();

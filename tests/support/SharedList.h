@@ -1,0 +1,79 @@
+// The list of running instances as its format lays it down: read and written in the shared memory itself, with plain
+// platform calls.
+#pragma once
+
+#include <windows.h>
+
+#include <string.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "foundation/Owners.h"
+
+class CSharedList
+{
+public:
+    // Opens the list of that name as it stands, without entering it.
+    explicit CSharedList(const std::wstring& strName)
+        : CSharedList(OpenFileMappingW(FILE_MAP_WRITE, FALSE, (kMappingName + strName).c_str()))
+    {
+    }
+    ~CSharedList()
+    {
+        if (m_pList != nullptr)
+            UnmapViewOfFile(m_pList);
+    }
+    CSharedList(const CSharedList&) = delete;
+    CSharedList& operator=(const CSharedList&) = delete;
+
+    bool IsThere() const { return m_pList != nullptr; }
+    DWORD Limit() const { return m_pList->nLimit; }
+    std::vector<DWORD> Ids() const { return std::vector<DWORD>(m_pList->anIds, m_pList->anIds + m_pList->nCount); }
+    bool IsClearBehindIds() const // the room that no id takes is zero
+    {
+        return std::count(m_pList->anIds + m_pList->nCount, std::end(m_pList->anIds), 0u) == 1000 - m_pList->nCount;
+    }
+
+    // Nothing stands behind the ids afterwards.
+    void Set(const std::vector<DWORD>& ids, DWORD nLimit = 1)
+    {
+        memset(m_pList, 0, sizeof(LIST));
+        m_pList->nLimit = nLimit;
+        m_pList->nCount = static_cast<DWORD>(ids.size());
+        std::copy(ids.begin(), ids.end(), m_pList->anIds);
+    }
+
+protected:
+    explicit CSharedList(HANDLE hMapping)
+        : m_mapping(hMapping), m_pList(static_cast<LIST*>(MapViewOfFile(m_mapping, FILE_MAP_WRITE, 0, 0, sizeof(LIST))))
+    {
+    }
+
+    static inline const std::wstring kMappingName = L"Local\\COXInstanceManager_FileMap_";
+
+private:
+    struct LIST
+    {
+        DWORD nLimit;
+        DWORD nCount;
+        DWORD anIds[1000];
+    };
+
+    CHandleOwner m_mapping;
+    LIST* m_pList;
+};
+
+// The product's list for one test, with entries of the test's choice. It goes, with what ended programs left in it,
+// when the test is over and its programs have ended.
+class CProductList : public CSharedList
+{
+public:
+    explicit CProductList(const std::vector<DWORD>& ids)
+        : CSharedList(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 131072,
+                                         (kMappingName + L"Tandrel.Lumacap-DX.v4").c_str()))
+    {
+        Set(ids);
+    }
+};
