@@ -65,8 +65,10 @@ COXInstanceManager::COXInstanceManager(const CString& strInstanceName, DWORD cbA
     m_cbList = RoundAreaSize(m_cbList, system.dwAllocationGranularity);
     m_cbAdditional = RoundAreaSize(m_cbAdditional, system.dwAllocationGranularity);
 
+    // Nothing may come between the call and GetLastError, not even the end of a temporary text.
+    const CString strMapping = kMappingName + m_strInstanceName;
     m_hMapping = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0,
-                                    m_cbList + m_cbAdditional, kMappingName + m_strInstanceName);
+                                    m_cbList + m_cbAdditional, strMapping);
     // A failed creation comes here too, and finds no list to reset.
     if (GetLastError() != ERROR_ALREADY_EXISTS)
         ResetInstanceList();
@@ -95,7 +97,8 @@ bool COXInstanceManager::ResetInstanceList()
     return false;
 }
 
-// A process without a main window leaves a post to a null handle, which goes nowhere.
+// A process without a main window leaves a post to a null handle: it goes to this thread's own queue, where
+// nothing takes it up.
 void COXInstanceManager::TellInstances(const InstanceList& list, UINT nMessage, DWORD nProcessId)
 {
     for (DWORD i = 0; i < list.nCount; ++i)

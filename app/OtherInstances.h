@@ -19,5 +19,6 @@ int CountOtherInstances();
 bool ConfirmClosingInstances(int nOthers);
 
 // Asks the other instances to close, gives each 10 milliseconds, and terminates it. nOthers is what was counted before
-// the user was asked; if an instance left the list since, the framework's invalid-argument exception is raised.
+// the user was asked; if the list has become shorter than that since, the framework's invalid-argument exception is
+// raised.
 void CloseOtherInstances(int nOthers);

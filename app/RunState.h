@@ -45,7 +45,7 @@ extern unsigned int g_nVerMinor;
 extern unsigned int g_nVerFix;
 extern unsigned int g_nVerBuild;
 
-extern RTL_OSVERSIONINFOEXW g_osVersion; // all zero if the system doesn't tell
+extern RTL_OSVERSIONINFOEXW g_osVersion; // all zero but for its size if the system doesn't tell
 
 // Functions bound by name at start; null on a system that lacks them.
 extern decltype(&LookupPrivilegeValueW) g_pfnLookupPrivilegeValue;

@@ -6,7 +6,6 @@
 
 #include "app/OtherInstances.h"
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
 #include "foundation/FolderPaths.h"
 #include "install/InstallRun.h"
 #include "res/resource.h"
@@ -103,7 +102,7 @@ BOOL CSetupApp::InitInstance()
 {
     const bool bDashS = ScanModeSwitches();
 
-    // The copy in the temporary folder, whatever its name. Case matters here, unlike with the other switches.
+    // The copy in the temporary folder, whatever its name. Case matters here, unlike with "-install".
     if (__argc > 2 && wcscmp(__wargv[1], L"-delself") == 0)
         FinishUninstall(__wargv[2]);
 

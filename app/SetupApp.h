@@ -8,7 +8,7 @@ class CSetupApp : public CWinApp
 public:
     CSetupApp();
 
-    // Decides the role and carries the run to its end. Returns 0, or 1 if the user turned the run down; both end in
+    // Decides the role and carries the run to its end. Returns 0, or 1 if the user turned an install down; both end in
     // exit code 0.
     virtual BOOL InitInstance() override;
 

@@ -37,8 +37,7 @@ void StopOnRangeViolation()
 CString LoadResString(UINT nId)
 {
     CString strText;
-    if (!strText.LoadString(nId))
-        strText.Empty();
+    strText.LoadString(nId);
     return strText;
 }
 

@@ -22,6 +22,9 @@ void NameExecutable(CWinApp* pApp)
 
 BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR lpCmdLine, int nCmdShow)
 {
+    // A drive without a medium is told by the call that meets it, and not by a box of the system's own.
+    SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+
     AFX_MODULE_STATE* pState = AfxGetModuleState();
     pState->m_hCurrentInstanceHandle = hInstance;
     pState->m_hCurrentResourceHandle = hInstance;

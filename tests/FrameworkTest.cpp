@@ -350,9 +350,9 @@ DWORD TryMutexElsewhere()
     return dwResult;
 }
 
-DWORD WINAPI HoldMutexUntilDeath(void*)
+DWORD WINAPI HoldMutexUntilDeath(void* hMutex)
 {
-    WaitForSingleObject(OpenMutexW(SYNCHRONIZE, FALSE, kMutexName), INFINITE);
+    WaitForSingleObject(hMutex, INFINITE);
     return 0;
 }
 } // namespace
@@ -405,7 +405,7 @@ TEST(FrameworkLock, InitialOwnerMustUnlock)
 TEST(FrameworkLock, MutexOfADeadOwnerCanBeHad)
 {
     CMutex mutex(FALSE, kMutexName);
-    HANDLE hThread = CreateThread(nullptr, 0, HoldMutexUntilDeath, nullptr, 0, nullptr);
+    HANDLE hThread = CreateThread(nullptr, 0, HoldMutexUntilDeath, mutex.m_hObject, 0, nullptr);
     ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(hThread, 10000));
     CloseHandle(hThread);
     CSingleLock lock(&mutex);

@@ -14,7 +14,7 @@ static const wchar_t kUserChoice[] = L"UserChoice";
 static const wchar_t kSavedValue[] = L"LumacapOld"; // the product keeps the association from before itself here
 
 // By the index of g_aAssocExts: the association to put back, before Windows Vista; empty for none.
-static CString g_aSavedAssoc[kAssocExtCount];
+static wchar_t g_aSavedAssoc[kAssocExtCount][kRegistryTextCapacity];
 
 // The key below which each extension has its own, and the value there that holds its association.
 struct AssociationBase
@@ -45,7 +45,7 @@ static bool PointsAtProduct(const CString& strAssociation)
 
 static void Survey(const AssociationBase& base, int nIndex)
 {
-    g_aSavedAssoc[nIndex].Empty();
+    g_aSavedAssoc[nIndex][0] = 0;
     g_aAssocExts[nIndex].nFlag = 0;
     CKeyOwner extension;
     if (!OpenExtension(base, nIndex, extension))
@@ -61,7 +61,8 @@ static void Survey(const AssociationBase& base, int nIndex)
 
     const CString strAssociation = QueryRegText(extension, base.pszValueName);
     g_aAssocExts[nIndex].nFlag = PointsAtProduct(strAssociation);
-    g_aSavedAssoc[nIndex] = PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation;
+    CopyBounded(g_aSavedAssoc[nIndex], kRegistryTextCapacity,
+                PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation);
 }
 
 // True if the association was changed.
