@@ -7,9 +7,11 @@
 class CSetupDlg : public CDialog
 {
 public:
-    // With m_nPage set to 4 before DoModal, the frame opens on its report, with no earlier page.
+    // With nPage set to 4 before DoModal, the frame opens on its report, with no earlier page.
     CSetupDlg();
-    virtual ~CSetupDlg() {}
+    virtual ~CSetupDlg();
+
+    int m_nPage; // number of the current page; -1 before the first one
 
 protected:
     DECLARE_MESSAGE_MAP()
@@ -35,11 +37,6 @@ private:
     CStatic m_side;
     CButton m_back;
     CButton m_next;
-
-public:
-    int m_nPage; // number of the current page; -1 before the first one
-
-private:
-    CDialog* m_pPage; // the page that is shown. The last one isn't deleted: its window goes with the frame's
+    CDialog* m_pPage; // the page that is shown
     CString m_strTitle;
 };
