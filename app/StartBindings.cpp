@@ -4,15 +4,9 @@
 #include <string.h>
 
 #include "app/RunState.h"
+#include "foundation/BoundFunction.h"
 
-// The modules are asked for and not loaded: the program imports them, so that they are there. A missing one makes
-// GetProcAddress give null.
-template <typename Function>
-static Function FindFunction(HMODULE hModule, const char* pszName)
-{
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(hModule, pszName)));
-}
-
+// The modules are asked for and not loaded: the program imports them, so that they are there.
 template <typename Function>
 static void BindFromAdvapi(Function& pfn, const char* pszName)
 {

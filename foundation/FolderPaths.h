@@ -10,8 +10,7 @@ CString CutTrailingBackslash(const wchar_t* pszPath);
 // first. Empty for a null path, a drive root, and a path whose only backslash stands at its start or that has none.
 CString ParentFolder(const wchar_t* pszPath);
 
-// The path less one trailing backslash and then cut at its last backslash; without a backslash nothing is cut. Unlike
-// ParentFolder it always names a folder.
+// The path less one trailing backslash and then cut at its last backslash; without a backslash nothing is cut.
 CString CutLastPart(const wchar_t* pszPath);
 
 // The folder with a backslash behind it, unless it ends in a backslash or a slash; an empty folder gets one too.

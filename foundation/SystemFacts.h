@@ -7,6 +7,9 @@
 // the registry's list of shell folders gives; empty if that has none either.
 CString GetSpecialFolder(int nFolder);
 
+// A shell folder whose path has this many characters or fewer is passed over by whoever looks for links there.
+const int kTooShortFolder = 4;
+
 // Non-zero on Windows Vista and later.
 int IsNT6OrLater();
 

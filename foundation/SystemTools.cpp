@@ -2,12 +2,13 @@
 #include "foundation/SystemTools.h"
 
 #include <tlhelp32.h>
-#include <io.h>
 #include <time.h>
 #include <wchar.h>
 
 #include "app/RunState.h"
+#include "foundation/BoundFunction.h"
 #include "foundation/BoundedText.h"
+#include "foundation/FolderPaths.h"
 #include "foundation/Owners.h"
 
 const wchar_t kDefaultExtension[] = L"TMP";
@@ -17,16 +18,11 @@ const size_t kFolderCapacity = 261;
 
 using ModuleFileNameFunction = DWORD(WINAPI*)(HANDLE, HMODULE, LPWSTR, DWORD);
 
-static bool Exists(const wchar_t* pszPath)
-{
-    return _waccess(pszPath, 0) == 0;
-}
-
 // Fills the buffer with the wanted folder if it is there, else with the temporary one, without a separator at its end.
 static void ChooseTempFolder(wchar_t (&szFolder)[kFolderCapacity], const wchar_t* pszWanted)
 {
     szFolder[0] = 0;
-    if (pszWanted != nullptr && Exists(pszWanted))
+    if (pszWanted != nullptr && PathExists(pszWanted))
         CopyBounded(szFolder, kFolderCapacity, pszWanted);
     else
         GetTempPathW(MAX_PATH, szFolder);
@@ -57,11 +53,6 @@ static DWORD FindParentId(HANDLE hSnapshot)
     return dwParent;
 }
 
-static ModuleFileNameFunction FindModuleFileNameFunction(HMODULE hModule, const char* pszName)
-{
-    return reinterpret_cast<ModuleFileNameFunction>(reinterpret_cast<void*>(GetProcAddress(hModule, pszName)));
-}
-
 // Systems before Windows 7 have the function in a library of its own, which is loaded into the owner then. Null if it
 // is nowhere.
 static ModuleFileNameFunction BindModuleFileName(CLibraryOwner& psapi)
@@ -71,12 +62,13 @@ static ModuleFileNameFunction BindModuleFileName(CLibraryOwner& psapi)
         hKernel = LoadLibraryW(L"Kernel32.DLL");
     if (hKernel == nullptr)
         return nullptr;
-    const ModuleFileNameFunction pfnModuleFileName = FindModuleFileNameFunction(hKernel, "K32GetModuleFileNameExW");
+    const ModuleFileNameFunction pfnModuleFileName =
+        FindFunction<ModuleFileNameFunction>(hKernel, "K32GetModuleFileNameExW");
     if (pfnModuleFileName != nullptr)
         return pfnModuleFileName;
 
     *psapi.Receive() = LoadLibraryW(L"Psapi.dll");
-    return psapi.IsOpen() ? FindModuleFileNameFunction(psapi, "GetModuleFileNameExW") : nullptr;
+    return psapi.IsOpen() ? FindFunction<ModuleFileNameFunction>(psapi, "GetModuleFileNameExW") : nullptr;
 }
 
 static void ReadProgramPath(DWORD dwProcess, wchar_t* pszPath, DWORD cchCapacity)
@@ -128,7 +120,7 @@ CString MakeTempName(const wchar_t* pszExtension, const wchar_t* pszPrefix, cons
     CString strName;
     do
         strName.Format(L"%s\\%s%X.%s", szFolder, pszPrefix, nCounter++, pszExtension);
-    while (Exists(strName));
+    while (PathExists(strName));
     return strName;
 }
 

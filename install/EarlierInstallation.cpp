@@ -109,15 +109,14 @@ static bool HasProductLink(const CString& strFolder)
 
 void TakeOverAutoStart()
 {
-    const int nShortestFolder = 4; // characters; a path up to this length is no folder
     const CString strCommon = GetSpecialFolder(CSIDL_COMMON_STARTUP);
     const CString strUser = GetSpecialFolder(CSIDL_STARTUP);
     g_bAutoStart = 0;
-    if (strCommon.GetLength() > nShortestFolder)
+    if (strCommon.GetLength() > kTooShortFolder)
     {
         ProbeFolder(strCommon);
         g_bAutoStart = HasProductLink(strCommon);
     }
-    if (strUser.GetLength() > nShortestFolder && HasProductLink(strUser))
+    if (strUser.GetLength() > kTooShortFolder && HasProductLink(strUser))
         g_bAutoStart = 1;
 }

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include "app/RunState.h"
+#include "foundation/BoundFunction.h"
 #include "foundation/Owners.h"
 
 // The version library isn't among those that Windows takes from its own protected list. It is loaded by its full path,
@@ -30,7 +31,7 @@ struct CVersionLibrary
     template <typename Function>
     void Bind(Function& pfn, const char* pszName)
     {
-        pfn = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, pszName)));
+        pfn = FindFunction<Function>(module, pszName);
     }
 
     CLibraryOwner module;

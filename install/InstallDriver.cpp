@@ -39,13 +39,15 @@ static int FolderByKind(int nCommonFolder, int nUserFolder)
     return g_nInstallKind == KIND_ALL_USERS ? nCommonFolder : nUserFolder;
 }
 
-// Without a common folder for programs the rest of the install is one for the current user.
-static CString GetProgramsFolder()
+const int kShortestProgramsFolder = 4; // characters
+
+// The folder that the group goes to. Without a common one the whole rest of the install is for the current user.
+static CString SettleProgramsFolder()
 {
     if (g_nInstallKind == KIND_ALL_USERS)
     {
         CString strCommon = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
-        if (strCommon.GetLength() >= 4)
+        if (strCommon.GetLength() >= kShortestProgramsFolder)
             return strCommon;
         g_nInstallKind = KIND_CURRENT_USER;
     }
@@ -70,7 +72,7 @@ static void CreateHelpLink(const CString& strFolder)
 // there. An empty name gives the programs folder itself with a backslash behind it.
 static void CreateProgramGroup()
 {
-    const CString strPrograms = GetProgramsFolder();
+    const CString strPrograms = SettleProgramsFolder();
     g_strGroup.Replace(L'/', L'\\');
     g_strGroup.Trim(L" \t\r\n\\");
 

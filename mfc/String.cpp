@@ -41,6 +41,16 @@ const char* FindChar(const char* psz, char ch)
     return strchr(psz, ch);
 }
 
+const wchar_t* FindLastChar(const wchar_t* psz, wchar_t ch)
+{
+    return wcsrchr(psz, ch);
+}
+
+const char* FindLastChar(const char* psz, char ch)
+{
+    return strrchr(psz, ch);
+}
+
 size_t SpanOutside(const wchar_t* psz, const wchar_t* pszSet)
 {
     return wcscspn(psz, pszSet);
@@ -327,10 +337,8 @@ int CStringT<T>::Find(PCXSTR pszSub, int iStart) const
 template <typename T>
 int CStringT<T>::ReverseFind(XCHAR ch) const
 {
-    int iFound = m_nLength - 1;
-    while (iFound >= 0 && m_pszData[iFound] != ch)
-        --iFound;
-    return iFound;
+    PCXSTR pszFound = FindLastChar(m_pszData, ch);
+    return pszFound ? static_cast<int>(pszFound - m_pszData) : -1;
 }
 
 template <typename T>

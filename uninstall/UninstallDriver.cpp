@@ -14,7 +14,6 @@
 #include "uninstall/RegistryWalk.h"
 
 const DWORD kUnregisterWaitMs = 5000;
-const int kShortestFolder = 4; // characters; a path up to this length is no folder to sweep
 
 static void LetProductUnregister(const CString& strFolder)
 {
@@ -79,13 +78,13 @@ static void DeleteGroup(const CString& strPrograms)
 static void SweepMachineFolders()
 {
     const CString strStartup = GetSpecialFolder(CSIDL_COMMON_STARTUP);
-    if (strStartup.GetLength() > kShortestFolder)
+    if (strStartup.GetLength() > kTooShortFolder)
         DeleteLink(strStartup);
     const CString strDesktop = GetSpecialFolder(CSIDL_COMMON_DESKTOPDIRECTORY);
-    if (strDesktop.GetLength() > kShortestFolder)
+    if (strDesktop.GetLength() > kTooShortFolder)
         DeleteLink(strDesktop);
     const CString strPrograms = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
-    if (strPrograms.GetLength() > kShortestFolder)
+    if (strPrograms.GetLength() > kTooShortFolder)
         DeleteGroup(strPrograms);
 }
 

@@ -7,11 +7,13 @@
 // The frame's number of the page before the report.
 const int kPageBeforeReport = 4;
 
-// The framework clears the main window when the dialog's window goes.
+// The framework clears the main window when the dialog's window goes; a dialog that never had one leaves that to us.
 static INT_PTR Open(CSetupDlg& dialog)
 {
     theApp.m_pMainWnd = &dialog;
-    return dialog.DoModal();
+    const INT_PTR nResult = dialog.DoModal();
+    theApp.m_pMainWnd = nullptr;
+    return nResult;
 }
 
 bool ShowWizard()
