@@ -7,6 +7,8 @@ help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
 	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
 	@echo 'make build        build/setup.exe and the sample package build/package/ (about 1 minute)'
+	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
+	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'
 	@echo 'make lint         format, static analysis (about 3 minutes)'
 	@echo 'make clean        remove build/'
 
@@ -21,6 +23,12 @@ test: build
 
 demo: build
 	@tools/demo.sh
+
+wizard: build
+	@tools/wizard.sh
+
+screenshots: build
+	@tools/screenshots.sh
 
 lint: prerequisites
 	@tools/lint.sh

@@ -73,15 +73,6 @@ TEST_F(InstallLog, TheEndOfALineLosesItsControlCharactersButNeverTheFirstCharact
         EXPECT_EQ(LinesOf(std::string(pszLine) + "\r\n"), Lines{ pszRead }) << testing::PrintToString(pszLine);
 }
 
-TEST_F(InstallLog, RewindGivesTheLinesAgain)
-{
-    WriteBytes(m_strLog, "a\r\nb\r\n\x1A");
-    CInstallLogReader reader(m_strLog.c_str());
-    EXPECT_EQ(RemainingLines(reader), (Lines{ L"a", L"b" }));
-    reader.Rewind();
-    EXPECT_EQ(RemainingLines(reader), (Lines{ L"a", L"b" }));
-}
-
 TEST_F(InstallLog, AListThatCantBeOpenedReadsAsOneWithoutLines)
 {
     WriteBytes(At(L"held.log"), "a\n");

@@ -91,17 +91,6 @@ TEST_F(RegistryValues, ANullAndAnEmptyNameBothMeanTheDefaultValue)
     EXPECT_EQ(KeyText(HKEY_CURRENT_USER, kKey, L""), L"by empty");
 }
 
-TEST_F(RegistryValues, AnOpenKeyServesAsRoot)
-{
-    Store(L"value", REG_SZ, Terminated(L"text"));
-    HKEY hRoot = nullptr;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_ALL_ACCESS, &hRoot), ERROR_SUCCESS);
-    EXPECT_STREQ(ReadRegString(hRoot, L"RegistryValuesTest", L"value"), L"text");
-    EXPECT_NE(WriteRegString(hRoot, L"RegistryValuesTest\\below", L"value", L"other"), 0);
-    EXPECT_EQ(RegCloseKey(hRoot), ERROR_SUCCESS);
-    EXPECT_EQ(KeyText(HKEY_CURRENT_USER, L"Software\\RegistryValuesTest\\below", L"value"), L"other");
-}
-
 TEST_F(RegistryValues, WritesMakeTheKeyWithItsParentsAndStoreTheExactSize)
 {
     const std::wstring strKey = L"Software\\RegistryValuesTest\\one\\two\\three";

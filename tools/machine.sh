@@ -1,5 +1,6 @@
 # Throwaway Windows machines, made with Wine. Source this file, then:
 #   machine_start NAME   a fresh machine, cloned from a base made once; sets WINEPREFIX, DISPLAY and the rest
+#   machine_start NAME shown   the same, on the display of the user
 #   machine_run CMD...   runs a Windows program on it and gives its exit code
 #   machine_wait_idle    waits until what the product and its setup started has ended
 #   machine_restart      restarts the machine: the boot list is worked through before the next program starts
@@ -42,7 +43,7 @@ machine_start() {
         cp "$machine_root/base/$hive.reg" "$machine_dir/prefix/$hive.reg"
     done
     export WINEPREFIX=$machine_dir/prefix
-    machine_display_start
+    [ "${2:-}" = shown ] || machine_display_start
     "$wine_server" -p
 }
 

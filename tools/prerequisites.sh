@@ -1,9 +1,11 @@
 #!/bin/bash
-# Installs what is missing of the build and test tools, from Debian's own packages.
+# Installs what is missing of the build and test tools, and of the packages named, from Debian's own packages.
+# usage: prerequisites.sh [PACKAGE...]
 set -euo pipefail
 
 packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth googletest
-    clang-format clang-tidy cppcheck gcovr python3 git fonts-dejavu-core procps libc-bin)
+    clang-format clang-tidy cppcheck gcovr python3 git fonts-dejavu-core procps libc-bin
+    "$@")
 
 missing=()
 for package in "${packages[@]}"; do

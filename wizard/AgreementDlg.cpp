@@ -11,6 +11,12 @@ END_MESSAGE_MAP()
 
 const int kPageMargin = 4; // pixels from the frame's corner
 
+LRESULT CReadingBox::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT nResult = CEdit::WindowProc(message, wParam, lParam);
+    return message == WM_GETDLGCODE ? nResult & ~(DLGC_WANTALLKEYS | DLGC_HASSETSEL) : nResult;
+}
+
 void CAgreementDlg::DoDataExchange(CDataExchange* pDX)
 {
     CDialog::DoDataExchange(pDX);

@@ -3,6 +3,14 @@
 
 #include <afxwin.h>
 
+// The box of a long text that is only read. Enter and Esc are the frame's, as everywhere else: a box of many lines
+// would keep them, and close the page on Esc. Tab doesn't select the text, which would scroll it to its end.
+class CReadingBox : public CEdit
+{
+protected:
+    virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+};
+
 class CAgreementDlg : public CDialog
 {
 public:
@@ -14,6 +22,6 @@ protected:
     virtual BOOL OnInitDialog() override;
 
 private:
-    CEdit m_box;
+    CReadingBox m_box;
     CString m_strText;
 };

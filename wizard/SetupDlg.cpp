@@ -44,9 +44,6 @@ END_MESSAGE_MAP()
 
 CSetupDlg::CSetupDlg() : CDialog(IDD_SETUP), m_nPage(PAGE_NONE), m_pPage(nullptr) {}
 
-// The last page isn't deleted: its window went with the frame's, and the process ends soon.
-CSetupDlg::~CSetupDlg() {}
-
 void CSetupDlg::DoDataExchange(CDataExchange* pDX)
 {
     CDialog::DoDataExchange(pDX);

@@ -7,11 +7,9 @@
 class CSetupDlg : public CDialog
 {
 public:
-    // With nPage set to 4 before DoModal, the frame opens on its report, with no earlier page.
+    // With m_nPage set to 4 before DoModal, the frame opens on its report, with no earlier page.
     CSetupDlg();
-    virtual ~CSetupDlg();
-
-    int m_nPage; // number of the current page; -1 before the first one
+    virtual ~CSetupDlg() {}
 
 protected:
     DECLARE_MESSAGE_MAP()
@@ -37,6 +35,11 @@ private:
     CStatic m_side;
     CButton m_back;
     CButton m_next;
-    CDialog* m_pPage; // the page that is shown
+
+public:
+    int m_nPage; // number of the current page; -1 before the first one
+
+private:
+    CDialog* m_pPage; // the page that is shown. The last one isn't deleted: its window goes with the frame's
     CString m_strTitle;
 };
