@@ -35,14 +35,6 @@ protected:
         g_bAutoStart = bAutoStart;
     }
 
-    // The log of an install that made this group folder and these links, parted by |, all in the corner.
-    std::string LogOf(const std::wstring& strGroup, const std::wstring& strLinks) const
-    {
-        std::wstring strLog = L"\r\nMade Dir: " + At(strGroup) + L"\r\n";
-        for (const std::wstring& strLink : Split(strLinks, L'|'))
-            strLog += L"Shell Link: " + At(strLink) + L"\r\n";
-        return m_strList + Bytes(strLog);
-    }
     std::string Log() const { return ReadBytes(At(L"target\\LumUnInst.log")); }
 
     const std::string m_strList = "A remark.\nFile Copy: Lumacap8.exe\r\nMake Dir: Sub"; // no line end behind it
@@ -61,7 +53,7 @@ TEST_F(InstallDriver, LogIsThePackagesListWithWhatTheInstallMadeInItsOrder)
         const std::wstring strLinks = strGroup + L"\\Lumacap 8.lnk|" + strGroup + L"\\Lumacap 8 Help.lnk" +
                                       (row[1] ? L"|" + strRoot + L"Desktop\\Lumacap 8.lnk" : L"") +
                                       (row[2] ? L"|" + strRoot + L"Programs\\Startup\\Lumacap 8.lnk" : L"");
-        EXPECT_EQ(Log(), LogOf(strGroup, strLinks));
+        EXPECT_EQ(Log(), LogOf(m_strList, strGroup, strLinks));
         EXPECT_EQ(Split(Links(), L'|').size(), Split(strLinks, L'|').size());
         EXPECT_EQ(Join(ListTree(At(L"target"))), L"LumUnInst.log|Lumacap8.exe|Sub\\");
     }
@@ -114,7 +106,8 @@ TEST_F(InstallDriver, GroupNameIsNormalisedAndOnlyItsDeepestFolderRecorded)
         PerformInstall();
         EXPECT_STREQ(g_strGroup, row[1]);
         const std::wstring strGroup = std::wstring(L"all\\Programs\\") + row[1];
-        EXPECT_EQ(Log(), LogOf(strGroup, strGroup + L"\\Lumacap 8.lnk|" + strGroup + L"\\Lumacap 8 Help.lnk"));
+        EXPECT_EQ(Log(),
+                  LogOf(m_strList, strGroup, strGroup + L"\\Lumacap 8.lnk|" + strGroup + L"\\Lumacap 8 Help.lnk"));
         std::wstring strFolders;
         for (const std::wstring& strPath : ListTree(OfAll(L"Programs")))
             strFolders += strPath.back() == L'\\' && strPath != L"Startup\\" ? strPath + L"|" : L"";
@@ -127,7 +120,7 @@ TEST_F(InstallDriver, GroupFolderThatCannotBeMadeIsRecordedAndLosesItsLinksAlone
     g_strGroup = L"A\\B?\\C";
     PerformInstall();
     const std::wstring strLinks = L"all\\Desktop\\Lumacap 8.lnk|all\\Programs\\Startup\\Lumacap 8.lnk";
-    EXPECT_EQ(Log(), LogOf(L"all\\Programs\\A\\B?\\C", strLinks));
+    EXPECT_EQ(Log(), LogOf(m_strList, L"all\\Programs\\A\\B?\\C", strLinks));
     EXPECT_EQ(Links(), strLinks);
     EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, kProductKey, L"AllUsers"), L"B");
 }
@@ -207,8 +200,9 @@ TEST_F(InstallDriver, OnlyARepeatedInstallClearsWhatTheEarlierOneMade)
         WriteBytes(At(L"package\\LumUnInst.log"),
                    "File Copy: Lumacap8.exe\r\nMake Dir: Sub\r\nMake Dir: Full\r\nFile Del: old*.dll | of 7\r\n");
         WriteBytes(At(L"target\\LumUnInst.log"),
-                   LogOf(L"all\\Programs\\A\\Old", L"all\\Programs\\A\\Old\\a.lnk") + "File Del: kept.txt\r\n");
-        WriteBytes(At(L"target\\install.log"), LogOf(L"user\\Programs\\B", L"user\\Programs\\B\\b.lnk"));
+                   LogOf(m_strList, L"all\\Programs\\A\\Old", L"all\\Programs\\A\\Old\\a.lnk") +
+                       "File Del: kept.txt\r\n");
+        WriteBytes(At(L"target\\install.log"), LogOf(m_strList, L"user\\Programs\\B", L"user\\Programs\\B\\b.lnk"));
         for (const wchar_t* pszName : { L"target\\kept.txt", L"target\\old1.dll", L"target\\old2.dll",
                                         L"target\\Lumacap8.exe", L"target\\Full\\x", L"target\\Sub\\old3.dll",
                                         L"all\\Programs\\A\\Old\\a.lnk", L"user\\Programs\\B\\b.lnk" })

@@ -125,6 +125,7 @@ TEST_F(InstallRun, SwitchesChooseFolderKindAndOptions)
         { L"-instdir -runafter", L"-runafter 00101" },
         { L"-instdir -instport", L"-instport 20001" },
         { L"-INSTDIR A -InstPort B", L"(default) 11001" },
+        { L"-instDir A -instPORT B", L"(default) 11001" },
         { L"-inst A -install B -instdirs C -instportx D", L"(default) 11001" },
         { L"-instdir A\\", L"A 00001" },
         { L"-instdir A/", L"A 00001" },

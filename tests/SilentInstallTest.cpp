@@ -38,15 +38,6 @@ protected:
     static std::wstring Product(const wchar_t* pszName) { return KeyText(HKEY_LOCAL_MACHINE, kProduct, pszName); }
     static std::wstring Entry(const wchar_t* pszName) { return KeyText(HKEY_LOCAL_MACHINE, kUninstall, pszName); }
 
-    // The log of an install that made this group folder and these links, parted by |, all in the corner.
-    std::string LogOf(const std::wstring& strGroup, const std::wstring& strLinks) const
-    {
-        std::wstring strLog = L"\r\nMade Dir: " + At(strGroup) + L"\r\n";
-        for (const std::wstring& strLink : Split(strLinks, L'|'))
-            strLog += L"Shell Link: " + At(strLink) + L"\r\n";
-        return Package(L"LumUnInst.log") + Bytes(strLog);
-    }
-
     // Starts the setup; the product that it starts reports to a file.
     void StartReporting(CProcessRun& run) const
     {
@@ -71,7 +62,8 @@ TEST_F(SilentInstall, FirstInstallGivesFilesLogLinksRegistryAndTheProductsOwnFir
     EXPECT_TRUE(ReadBytes(InTarget(L"License.txt")) == Package(L"agreement.txt"));
     const std::wstring strLinks = kGroupLinks + std::wstring(L"|all\\Desktop\\Lumacap 8.lnk|all\\Programs\\Startup\\"
                                                              L"Lumacap 8.lnk");
-    EXPECT_EQ(ReadBytes(InTarget(L"LumUnInst.log")), LogOf(L"all\\Programs\\Lumacap 8", strLinks));
+    EXPECT_EQ(ReadBytes(InTarget(L"LumUnInst.log")),
+              LogOf(Package(L"LumUnInst.log"), L"all\\Programs\\Lumacap 8", strLinks));
     EXPECT_EQ(Links().size(), strLinks.size());
     EXPECT_EQ(Product(L"Path") + L" " + Product(L"AllUsers"), m_strTarget + L" B");
     EXPECT_EQ(Entry(L"UninstallString") + L" " + Entry(L"DisplayVersion"), InTarget(L"LumUnInst.exe 8.20.01"));
@@ -130,14 +122,15 @@ TEST_F(SilentInstall, RepeatedInstallFollowsItsPredecessorsGroupKindAndAutoStart
     const std::wstring strGroup = L"all\\Programs\\Imaging\\My tools";
     const std::wstring strStartup = L"all\\Programs\\Startup\\Lumacap 8.lnk";
     WriteBytes(At(strGroup + L"\\Lumacap 8.lnk"), "");
-    WriteBytes(InTarget(L"LumUnInst.log"), LogOf(strGroup, strGroup + L"\\Lumacap 8.lnk|" + strStartup));
+    WriteBytes(InTarget(L"LumUnInst.log"),
+               LogOf(Package(L"LumUnInst.log"), strGroup, strGroup + L"\\Lumacap 8.lnk|" + strStartup));
     WriteBytes(InTarget(L"Lumacap7.chm"), "");
     WriteBytes(InTarget(L"Lang\\Dutch.lng"), "");
     WriteBytes(InTarget(L"user.txt"), "");
     Install(L"-s -nodeskico");
 
     const std::wstring strLinks = strGroup + L"\\Lumacap 8.lnk|" + strGroup + L"\\Lumacap 8 Help.lnk|" + strStartup;
-    EXPECT_EQ(ReadBytes(InTarget(L"LumUnInst.log")), LogOf(strGroup, strLinks));
+    EXPECT_EQ(ReadBytes(InTarget(L"LumUnInst.log")), LogOf(Package(L"LumUnInst.log"), strGroup, strLinks));
     EXPECT_EQ(Links().size(), strLinks.size());
     EXPECT_FALSE(IsThere(OfAll(L"Programs\\Lumacap 8")));
     EXPECT_EQ(Product(L"AllUsers"), L"B");

@@ -65,6 +65,15 @@ std::wstring InstallCorner::Links() const
     return Join(links);
 }
 
+std::string InstallCorner::LogOf(const std::string& strList, const std::wstring& strGroup,
+                                 const std::wstring& strLinks) const
+{
+    std::wstring strLog = L"\r\nMade Dir: " + At(strGroup) + L"\r\n";
+    for (const std::wstring& strLink : Split(strLinks, L'|'))
+        strLog += L"Shell Link: " + At(strLink) + L"\r\n";
+    return strList + Bytes(strLog);
+}
+
 std::wstring Join(const std::vector<std::wstring>& texts)
 {
     std::wstring strJoined;

@@ -45,6 +45,9 @@ protected:
     void EmptyFolders() const;  // these
     std::wstring Links() const; // the link files in them, sorted: "all\\Desktop\\Lumacap 8.lnk|user\\..."
 
+    // The log of an install by that list, which made this group folder and these links, parted by |, in the corner.
+    std::string LogOf(const std::string& strList, const std::wstring& strGroup, const std::wstring& strLinks) const;
+
 private:
     CRegistryCorner m_registry;
     CProgramFiles m_programFiles; // "Program Files" in the corner
