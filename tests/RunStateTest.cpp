@@ -21,8 +21,8 @@ namespace
 
 int TellState()
 {
-    printf("silent %d, kind %d, desktop icon %d, name %ls\n", g_nSilent, g_nInstallKind, g_bDeskIcon,
-           theApp.m_pszAppName);
+    printf("silent %d, kind %d, desktop icon %d, name %ls, restart support %lu\n", g_nSilent, g_nInstallKind,
+           g_bDeskIcon, theApp.m_pszAppName, theApp.m_dwRestartManagerSupportFlags);
     printf("flags %d%d%d%d%d%d, version %u%u%u%u\n", g_bFreshInstall, g_bUpgrade, g_bRunAfter, g_bAutoStart,
            g_bRebootNeeded, g_bSettingsCopied, g_nVerMajor, g_nVerMinor, g_nVerFix, g_nVerBuild);
     for (const CString* pText :
@@ -66,7 +66,7 @@ TEST(RunState, StartsWithTheDefaultsAndTheSystemsFacts)
         const CWindowsVersion version(c.pszVersion);
         CProcessRun child(CChildRole::CommandLine(L"state"));
         ASSERT_TRUE(child.Start() && child.WaitForEnd());
-        EXPECT_EQ(child.Output(), std::string("silent 1, kind 1, desktop icon 1, name Lumacap 8\r\n"
+        EXPECT_EQ(child.Output(), std::string("silent 1, kind 1, desktop icon 1, name Lumacap 8, restart support 0\r\n"
                                               "flags 000000, version 0000\r\n"
                                               "[][][][][][]\r\n"
                                               "bound 11111\r\n"

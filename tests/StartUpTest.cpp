@@ -524,16 +524,21 @@ TEST_F(StartUpProgram, FirstBoxOfARunBesideThreeProductsTellsItsRole)
     }
 }
 
-TEST_F(StartUpProgram, ManifestAsksForTheAdministrator)
+TEST_F(StartUpProgram, ResourcesAskForTheAdministratorAndNameTheSetup)
 {
-    const std::wstring strSetup = BuildFolder() + L"\\setup.exe";
-    const HMODULE hSetup = LoadLibraryExW(strSetup.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const HRSRC hResource = FindResourceW(hSetup, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24));
-    const char* pManifest = static_cast<const char*>(LockResource(LoadResource(hSetup, hResource)));
-    ASSERT_NE(pManifest, nullptr);
-    const std::string strManifest(pManifest, SizeofResource(hSetup, hResource));
+    const HMODULE hSetup = LoadLibraryExW((BuildFolder() + L"\\setup.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const auto read = [hSetup](const wchar_t* pszType)
+    {
+        const HRSRC hResource = FindResourceW(hSetup, MAKEINTRESOURCEW(1), pszType);
+        const auto* pData = static_cast<const char*>(LockResource(LoadResource(hSetup, hResource)));
+        return std::string(pData == nullptr ? "" : pData, SizeofResource(hSetup, hResource));
+    };
+    const std::string strManifest = read(MAKEINTRESOURCEW(24));
     for (const char* pszText : { "level=\"requireAdministrator\"", "uiAccess=\"false\"", ">true</dpiAware>",
                                  "{e2011457-1546-43c5-a5fe-008deee3d3f0}", "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}" })
         EXPECT_NE(strManifest.find(pszText), std::string::npos) << pszText;
+    const std::wstring strName = L"Lumacap Setup";
+    EXPECT_NE(read(RT_VERSION).find(std::string(reinterpret_cast<const char*>(strName.c_str()), 2 * strName.size())),
+              std::string::npos);
     FreeLibrary(hSetup);
 }
