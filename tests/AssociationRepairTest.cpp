@@ -167,48 +167,47 @@ TEST_F(AssociationRepair, ProgramItselfRepairsOnEachWindows)
         });
 }
 
-TEST_F(AssociationRepair, EveryFormatOfTheProductIsRepaired)
+// The second repair finds nothing to do.
+TEST_F(AssociationRepair, EveryFormatIsRepairedAndTheShellHearsOfChangesAlone)
 {
     for (const FORM& form : kForms)
     {
         Use(form);
+        const wchar_t* pszOldLeft = form.nMajor < 6 ? L"older" : nullptr; // it becomes the association
         for (const wchar_t* pszFormat : kFormats)
             Make({ pszFormat, L"Applications\\Lumacap8.exe", L"older", nullptr, nullptr });
+        CCallHook hook("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
+        hook.Replace(
+            [](LONG nEvent, UINT nFlags, const void* pFirst, const void* pSecond)
+            {
+                EXPECT_EQ(nEvent, SHCNE_ASSOCCHANGED);
+                EXPECT_TRUE(nFlags == 0 && pFirst == nullptr && pSecond == nullptr);
+            });
         RepairFileAssociations();
+        RepairFileAssociations();
+        EXPECT_EQ(hook.Calls(), 1);
         for (const wchar_t* pszFormat : kFormats)
-        {
-            SCOPED_TRACE(testing::PrintToString(pszFormat));
-            ExpectLeft({ pszFormat, nullptr, nullptr, form.nMajor < 6 ? L"older" : nullptr, nullptr });
-        }
+            ExpectLeft({ pszFormat, nullptr, nullptr, pszOldLeft, nullptr });
     }
 }
 
-TEST_F(AssociationRepair, ShellHearsOfChangesAlone)
+TEST_F(AssociationRepair, AllFormatsAreLookedAtBeforeTheFirstIsChanged)
 {
-    const struct
+    Use({ L"winxp64", 5, true });
+    Make({ L".bmp", L"Lumacap8.exe", nullptr, nullptr, nullptr });
+    Make({ L".lcp", L"viewer.exe", L"older", nullptr, nullptr });
     {
-        const wchar_t* pszAssociation;
-        int nNotices;
-    } cases[] = { { L"Applications\\Lumacap8.exe", 1 }, { L"Lumacap.8", 0 }, { nullptr, 0 } };
-    for (const FORM& form : kForms)
-    {
-        Use(form);
-        for (const auto& row : cases)
-        {
-            Make({ L".gif", row.pszAssociation, L"older", nullptr, nullptr });
-            Make({ L".lcp", row.pszAssociation, L"older", nullptr, nullptr });
-            CCallHook hook("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
-            hook.Replace(
-                [](LONG nEvent, UINT nFlags, const void* pFirst, const void* pSecond)
-                {
-                    EXPECT_EQ(nEvent, SHCNE_ASSOCCHANGED);
-                    EXPECT_EQ(nFlags, 0u);
-                    EXPECT_TRUE(pFirst == nullptr && pSecond == nullptr);
-                });
-            RepairFileAssociations();
-            EXPECT_EQ(hook.Calls(), row.nNotices) << form.nMajor << testing::PrintToString(row.pszAssociation);
-        }
+        CCallHook hook("ADVAPI32.dll", "RegDeleteValueW", &RegDeleteValueW);
+        hook.Replace(
+            [&](HKEY hKey, const wchar_t* pszName)
+            {
+                if (hook.Calls() == 1)
+                    SetKeyText(Root(), Key(L".lcp"), L"Application", L"Lumacap8.exe");
+                return hook.Original()(hKey, pszName);
+            });
+        RepairFileAssociations();
     }
+    ExpectLeft({ L".lcp", nullptr, nullptr, L"viewer.exe", nullptr });
 }
 
 TEST_F(AssociationRepair, UserChoiceWithSubkeyStaysAndStillCountsAsChange)
@@ -223,23 +222,17 @@ TEST_F(AssociationRepair, UserChoiceWithSubkeyStaysAndStillCountsAsChange)
     EXPECT_FALSE(ValueExists(Root(), Key(L".gif"), L"LumacapOld"));
 }
 
-TEST_F(AssociationRepair, WithNeitherBaseKeyNothingHappens)
+TEST_F(AssociationRepair, WithNeitherBaseKeyNoExtensionIsLookedFor)
 {
-    for (const DWORD nMajor : { 5, 6 })
+    Use({ L"", 6, false });
+    Make({ L".gif", L"Applications\\Lumacap8.exe", L"older", nullptr, nullptr });
     {
-        Use({ L"", nMajor, false });
-        const CASE row = { L".gif", L"Applications\\Lumacap8.exe", L"older", L"Applications\\Lumacap8.exe", L"older" };
-        Make(row);
-        CCallHook notice("SHELL32.dll", "SHChangeNotify", &SHChangeNotify);
-        {
-            CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
-            hook.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
-            RepairFileAssociations();
-            EXPECT_EQ(hook.Calls(), 2) << "an extension was looked for";
-        }
-        EXPECT_EQ(notice.Calls(), 0);
-        ExpectLeft(row);
+        CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+        hook.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
+        RepairFileAssociations();
+        EXPECT_EQ(hook.Calls(), 2);
     }
+    ExpectLeft({ L".gif", nullptr, nullptr, L"Applications\\Lumacap8.exe", L"older" });
 }
 
 } // namespace
