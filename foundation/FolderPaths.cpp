@@ -38,6 +38,18 @@ bool PathExists(const wchar_t* pszPath)
     return _waccess(pszPath, 0) == 0;
 }
 
+bool IsDotName(const wchar_t* pszName)
+{
+    return wcscmp(pszName, L".") == 0 || wcscmp(pszName, L"..") == 0;
+}
+
+bool DeleteProtectedFile(const wchar_t* pszPath)
+{
+    const DWORD dwAttributes = GetFileAttributesW(pszPath);
+    SetFileAttributesW(pszPath, dwAttributes & ~(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+    return DeleteFileW(pszPath) != FALSE;
+}
+
 CString GetModulePath()
 {
     CString strPath;

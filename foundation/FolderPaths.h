@@ -11,6 +11,7 @@ CString CutTrailingBackslash(const wchar_t* pszPath);
 CString ParentFolder(const wchar_t* pszPath);
 
 // The path less one trailing backslash and then cut at its last backslash; without a backslash nothing is cut.
+// Empty where the only backslash stands at the start.
 CString CutLastPart(const wchar_t* pszPath);
 
 // The folder with a backslash behind it, unless it ends in a backslash or a slash; an empty folder gets one too.
@@ -18,6 +19,13 @@ CString WithSeparator(const wchar_t* pszFolder);
 
 // True if anything, a folder included, stands under the path.
 bool PathExists(const wchar_t* pszPath);
+
+// True for "." and "..", the names that each search of a folder gives.
+bool IsDotName(const wchar_t* pszName);
+
+// Deletes a file, also a read-only or hidden one. Where it can't be deleted it stays without these two attributes.
+// Attributes that can't be read are masked and set all the same: the deletion decides.
+bool DeleteProtectedFile(const wchar_t* pszPath);
 
 // The full path of the running executable, at most 259 characters.
 CString GetModulePath();

@@ -52,10 +52,19 @@ struct StreamTraits
     static void Close(FILE* pFile) { fclose(pFile); }
 };
 
+// For handles whose failure is null: processes, threads, events, mappings, tokens.
 struct HandleTraits
 {
     using Handle = HANDLE;
     static HANDLE None() { return nullptr; }
+    static void Close(HANDLE handle) { CloseHandle(handle); }
+};
+
+// For handles whose failure is INVALID_HANDLE_VALUE: files, snapshots.
+struct FileTraits
+{
+    using Handle = HANDLE;
+    static HANDLE None() { return INVALID_HANDLE_VALUE; }
     static void Close(HANDLE handle) { CloseHandle(handle); }
 };
 
@@ -84,6 +93,7 @@ struct InterfaceTraits
 using CKeyOwner = COwner<KeyTraits>;
 using CStreamOwner = COwner<StreamTraits>;
 using CHandleOwner = COwner<HandleTraits>;
+using CFileOwner = COwner<FileTraits>;
 using CFindOwner = COwner<FindTraits>;
 using CLibraryOwner = COwner<LibraryTraits>;
 template <typename Interface>

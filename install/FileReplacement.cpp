@@ -33,9 +33,7 @@ static void LeaveForReboot(const wchar_t* pszSource, const wchar_t* pszTarget)
 // Makes way for a new file where one stands: deletes it, or renames it if it is in use, or leaves both to the boot.
 static void ClearTarget(const wchar_t* pszSource, const wchar_t* pszTarget)
 {
-    const DWORD dwAttributes = GetFileAttributesW(pszTarget);
-    SetFileAttributesW(pszTarget, dwAttributes & ~(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
-    if (DeleteFileW(pszTarget))
+    if (DeleteProtectedFile(pszTarget))
         return;
 
     const CString strOld = FreeOldName(pszTarget);

@@ -9,12 +9,12 @@
 #include "foundation/SystemFacts.h"
 #include "install/FileReplacement.h"
 
-static bool IsAlways(const wchar_t*)
+static bool IsAlways(const wchar_t*, bool)
 {
     return true;
 }
 
-static bool IsPortable(const wchar_t*)
+static bool IsPortable(const wchar_t*, bool)
 {
     return g_nInstallKind == KIND_PORTABLE;
 }
@@ -37,9 +37,9 @@ static bool IsLibraryAbsent(const wchar_t* pszValue)
     return !library.IsOpen();
 }
 
-static bool IsPortableOrLibraryAbsent(const wchar_t* pszValue)
+static bool IsPortableOrLibraryAbsent(const wchar_t* pszValue, bool bWow64)
 {
-    return IsPortable(pszValue) || IsLibraryAbsent(pszValue);
+    return IsPortable(pszValue, bWow64) || IsLibraryAbsent(pszValue);
 }
 
 static void CopyRecord(const wchar_t* pszValue, const CString& strTargetFolder)
@@ -72,15 +72,13 @@ static void MakeDirectory(const wchar_t* pszValue)
 struct RecordAction
 {
     const wchar_t* pszPrefix;
-    bool (*pfnApplies)(const wchar_t* pszValue);
+    bool (*pfnApplies)(const wchar_t* pszValue, bool bWow64);
     void (*pfnAct)(const wchar_t* pszValue);
 };
 
-static bool s_bWow64; // asked for once, before the list is walked
-
-static bool IsWow64OrPortable(const wchar_t* pszValue)
+static bool IsWow64OrPortable(const wchar_t* pszValue, bool bWow64)
 {
-    return s_bWow64 || IsPortable(pszValue);
+    return bWow64 || IsPortable(pszValue, bWow64);
 }
 
 static const RecordAction kRecordActions[] = {
@@ -91,14 +89,14 @@ static const RecordAction kRecordActions[] = {
     { kMakeDir, IsAlways, MakeDirectory },
 };
 
-static void ProcessLine(const wchar_t* pszLine)
+static void ProcessLine(const wchar_t* pszLine, bool bWow64)
 {
     for (const RecordAction& row : kRecordActions)
     {
         const wchar_t* pszValue = FindRecordValue(pszLine, row.pszPrefix);
         if (pszValue == nullptr)
             continue;
-        if (row.pfnApplies(pszValue))
+        if (row.pfnApplies(pszValue, bWow64))
             row.pfnAct(pszValue);
         return;
     }
@@ -106,10 +104,10 @@ static void ProcessLine(const wchar_t* pszLine)
 
 void ProcessPackageList(const wchar_t* pszList)
 {
-    s_bWow64 = IsWow64() != 0;
+    const bool bWow64 = IsWow64() != 0;
     CInstallLogReader list(pszList);
     while (list.ReadLine())
-        ProcessLine(list.Line());
+        ProcessLine(list.Line(), bWow64);
 }
 
 // The folder that the matches of a mask go to, with a backslash at its end.
@@ -151,7 +149,7 @@ int CopyMatchingFiles(const wchar_t* pszMask, const wchar_t* pszSourceFolder, co
     int nCopied = 0;
     do
     {
-        if (wcscmp(match.cFileName, L".") == 0 || wcscmp(match.cFileName, L"..") == 0)
+        if (IsDotName(match.cFileName))
             continue;
         if (!ReplaceOneFile(match.cFileName, strSource, strTarget, nullptr))
             break;

@@ -113,11 +113,11 @@ void RunUntilClosed(HINSTANCE hInstance, const Options& options)
         DispatchMessageW(&message);
 }
 
-// Opens the file so that nobody else can delete it; null without a path.
+// Opens the file so that nobody else can delete it; no handle without a path.
 HANDLE HoldFile(const wchar_t* pszPath)
 {
     if (pszPath == nullptr)
-        return nullptr;
+        return INVALID_HANDLE_VALUE;
     return CreateFileW(pszPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
@@ -127,7 +127,7 @@ int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, LPWSTR, int)
 {
     CInstanceEntry entry;
     const Options options = ReadOptions();
-    const CHandleOwner held(HoldFile(options.pszHold));
+    const CFileOwner held(HoldFile(options.pszHold));
 
     if (options.bRegister)
     {

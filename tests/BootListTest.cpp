@@ -55,7 +55,7 @@ TEST_F(BootList, FallbackEntriesComeLastAndLeaveAllOthersAsTheyAre)
                                                 "NUL=C:\\b", "NUL=C:\\folder", "NUL=C:\\folder" }));
 }
 
-// An oddity to keep: the new file is thrown away at the boot, and the target stays.
+// An oddity to keep: the entry throws the new file away, and the target isn't named.
 TEST_F(BootList, TheFallbackOfAReplacementDeletesTheNewFile)
 {
     BlockPending();

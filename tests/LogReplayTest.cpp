@@ -132,13 +132,14 @@ TEST_F(LogReplay, ReadOnlyAndHiddenFilesGoAndBusyOnesWaitForTheBoot)
 {
     Stand(L"1.txt 2.txt 3.txt 4.txt 5.dat");
     SetAttributes(At(L"inst\\1.txt"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-    SetAttributes(At(L"inst\\2.txt"), FILE_ATTRIBUTE_HIDDEN);
+    SetAttributes(At(L"inst\\2.txt"), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
     const CFileHold hold(At(L"inst\\2.txt"), FILE_SHARE_READ);
     const CImageHold image(At(L"inst\\3.txt"));
     EXPECT_EQ(DeleteMatchingFiles(At(L"inst").c_str(), L"*.txt"), 2);
     EXPECT_EQ(Left(), L"2.txt 3.txt 5.dat");
     EXPECT_EQ(Pending(), L"-2.txt -3.txt");
-    EXPECT_EQ(AttributesOf(At(L"inst\\2.txt")) & FILE_ATTRIBUTE_HIDDEN, 0u);
+    EXPECT_EQ(AttributesOf(At(L"inst\\2.txt")) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM),
+              FILE_ATTRIBUTE_SYSTEM);
     EXPECT_EQ(DeleteMatchingFiles(At(L"inst").c_str(), L"*.none"), 0);
 }
 

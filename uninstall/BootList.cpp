@@ -39,7 +39,7 @@ void DeleteAtReboot(const wchar_t* pszPath)
 void ReplaceAtReboot(const wchar_t* pszNewFile, const wchar_t* pszTarget)
 {
     g_bRebootNeeded = MoveFileExW(pszNewFile, pszTarget, MOVEFILE_DELAY_UNTIL_REBOOT);
-    // The profile entry deletes the new file and doesn't name the target: the old file stays as it is. So be it.
+    // The profile entry deletes the new file and doesn't name the target. No replacement is ever written there.
     if (!g_bRebootNeeded)
         g_bRebootNeeded = AddProfileDeletion(pszNewFile);
 }

@@ -40,7 +40,8 @@ void RemoveLoggedFiles(const wchar_t* pszLog, const wchar_t* pszFolder, const wc
     while (log.ReadLine())
         RemoveFilesOfLine(log.Line(), pszFolder, pszPrefix);
 
-    // All files go before any folder. The prefix restricts the files alone: an upgrade empties the list of folders too.
+    // All files go before any folder. The prefix restricts the files alone: an upgrade goes through the folders too.
+    // Empty ones go, and the copy makes them anew; full ones go on the boot list, where they do no harm.
     log.Rewind();
     while (log.ReadLine())
     {
@@ -82,9 +83,7 @@ void RemoveLoggedLinks(const wchar_t* pszLog)
 // Deletes one match, or leaves it to the boot list, whatever the reason: a folder goes there too.
 static bool DeleteMatch(const wchar_t* pszPath)
 {
-    const DWORD dwAttributes = GetFileAttributesW(pszPath);
-    SetFileAttributesW(pszPath, dwAttributes & ~(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
-    if (DeleteFileW(pszPath))
+    if (DeleteProtectedFile(pszPath))
         return true;
     DeleteAtReboot(pszPath);
     return false;
@@ -125,7 +124,7 @@ int CountFolderEntries(const wchar_t* pszMask, const wchar_t* pszFolder)
     int nEntries = 0;
     do
     {
-        if (wcscmp(match.cFileName, L".") != 0 && wcscmp(match.cFileName, L"..") != 0)
+        if (!IsDotName(match.cFileName))
             ++nEntries;
     } while (FindNextFileW(find, &match));
     return nEntries;

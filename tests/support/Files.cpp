@@ -69,7 +69,7 @@ std::string ReadBytes(const std::wstring& strPath)
     Demand(hFile != INVALID_HANDLE_VALUE, "read", strPath);
     if (hFile == INVALID_HANDLE_VALUE)
         return {};
-    const CHandleOwner file(hFile);
+    const CFileOwner file(hFile);
     std::string strBytes(GetFileSize(file, nullptr), '\0');
     DWORD cbRead = 0;
     Demand(ReadFile(file, &strBytes[0], static_cast<DWORD>(strBytes.size()), &cbRead, nullptr), "read", strPath);

@@ -43,7 +43,7 @@ static bool MeetsMask(const std::wstring& strName, const std::wstring& strMask)
 std::vector<DWORD> ProcessesNamed(const wchar_t* pszMask)
 {
     std::vector<DWORD> ids;
-    const CHandleOwner snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    const CFileOwner snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof(entry);
     for (BOOL bMore = Process32FirstW(snapshot, &entry); bMore; bMore = Process32NextW(snapshot, &entry))
@@ -82,7 +82,7 @@ static HANDLE MakeOutput(std::wstring& strPath)
 
 bool CProcessRun::Start()
 {
-    const CHandleOwner output(MakeOutput(m_strOutput));
+    const CFileOwner output(MakeOutput(m_strOutput));
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
