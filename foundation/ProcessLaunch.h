@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+// How long a program that unregisters the product is waited for.
+const DWORD kBoundedWaitMs = 5000;
+
 // Starts a program and waits at most dwWaitMs milliseconds for its end; 0 doesn't wait at all. A null working folder
 // stands for the install folder. Returns non-zero if the program was started; a command line of 520 characters or more
 // starts nothing. A program that outlasts the wait goes on.

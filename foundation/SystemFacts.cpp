@@ -13,8 +13,6 @@ struct ShellFolderValue
     const wchar_t* pszValueName;
 };
 
-static const wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-
 static const ShellFolderValue kShellFolderValues[] = {
     { CSIDL_DESKTOP, HKEY_CURRENT_USER, L"Desktop" },
     { CSIDL_PROGRAMS, HKEY_CURRENT_USER, L"Programs" },

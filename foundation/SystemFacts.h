@@ -7,6 +7,9 @@
 // the registry's list of shell folders gives; empty if that has none either.
 CString GetSpecialFolder(int nFolder);
 
+// The registry's list of shell folders, for the machine and for each user.
+const wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
 // A shell folder whose path has this many characters or fewer is passed over by whoever looks for links there.
 const int kTooShortFolder = 4;
 

@@ -34,7 +34,7 @@ static const wchar_t* GetAssociationTarget()
 {
     const bool bWindows8 =
         g_osVersion.dwMajorVersion > 6 || (g_osVersion.dwMajorVersion == 6 && g_osVersion.dwMinorVersion >= 2);
-    return bWindows8 ? L"Lumacap.8" : L"Applications\\Lumacap8.exe";
+    return bWindows8 ? kProductClass : kProductApplication;
 }
 
 static CString FormatVersion(const wchar_t* pszFormat)
@@ -65,13 +65,12 @@ static void WriteProductKey()
 static void WriteCapabilities()
 {
     for (const AssocExtension& row : g_aAssocExts)
-        WriteRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8\\Capabilities\\FileAssociations",
-                       row.pszExtension, GetAssociationTarget());
-    WriteRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", L"Lumacap.8",
-                   L"SOFTWARE\\Tandrel\\Lumacap 8\\Capabilities");
+        WriteRegString(HKEY_LOCAL_MACHINE, kFileAssociationsKey, row.pszExtension, GetAssociationTarget());
+    WriteRegString(HKEY_LOCAL_MACHINE, kRegisteredApplicationsKey, kProductClass, kCapabilitiesKey);
 }
 
-// The version stands here in two text forms and two number forms, and readers of each of them exist.
+// The version stands here without its fourth part, and its first two parts once as text and once as numbers. All of
+// them stay.
 static void WriteUninstallEntry()
 {
     const RegistryText rowsBeforeNumbers[] = {
@@ -105,7 +104,7 @@ static void WriteAppPath()
 static void RegisterThumbnailHandler()
 {
     const CString strLibrary = g_osVersion.dwMajorVersion >= 6 ? g_strInstDir + L"\\" + kThumbnailDll : CString();
-    if (strLibrary.GetLength() > 4)
+    if (!strLibrary.IsEmpty())
         RunAndWait(L"regsvr32.exe /s \"" + strLibrary + L"\"", nullptr, 0);
 }
 

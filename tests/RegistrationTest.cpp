@@ -122,6 +122,7 @@ TEST_F(Registration, SystemVersionDecidesOnAssociationTargetAndThumbnailHandler)
     for (const auto& row : kCases)
     {
         m_recorder.launches.clear();
+        RemoveKey(HKEY_LOCAL_MACHINE, kAssociations);
         SetSystem(row[0], row[1]);
         RegisterWithSystem();
         for (const wchar_t* pszExtension : kExtensions)

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/RunState.h"
 #include "tests/support/Corner.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/RegistryCorner.h"
@@ -169,6 +170,32 @@ TEST_F(RegistryRemoval, UninstallEntryWithSubkeyStays)
     Sweep();
     EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, strEntry, L"DisplayName"), L"Lumacap 8");
     EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, strEntry + L"\\Patches"));
+}
+
+BOOL WINAPI AnswerWow64(HANDLE, BOOL* pbWow64)
+{
+    *pbWow64 = TRUE;
+    return TRUE;
+}
+
+TEST_F(RegistryRemoval, A32BitProcessOpensTheBrowserHostsAloneInThe64BitView)
+{
+    for (const bool bWow64 : { false, true })
+    {
+        int nHosts = 0;
+        CCallHook open("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+        open.Replace(
+            [&](HKEY hRoot, const wchar_t* pszKey, DWORD dwOptions, REGSAM samAccess, HKEY* phKey)
+            {
+                const bool bHosts = wcsstr(pszKey, L"NativeMessagingHosts") != nullptr;
+                nHosts += bHosts;
+                EXPECT_EQ(samAccess, bHosts && bWow64 ? 0xF013Fu : 0xF003Fu) << testing::PrintToString(pszKey);
+                return open.Original()(hRoot, pszKey, dwOptions, samAccess, phKey);
+            });
+        g_pfnIsWow64Process = bWow64 ? &AnswerWow64 : nullptr;
+        Sweep();
+        EXPECT_EQ(nHosts, 2);
+    }
 }
 
 } // namespace

@@ -55,7 +55,7 @@ static void Survey(const AssociationBase& base, int nIndex)
     {
         // A choice of the class "Lumacap.8" is left alone, although newer systems are offered that class.
         const CString strChoice = ReadRegString(extension, kUserChoice, L"Progid");
-        g_aAssocExts[nIndex].nFlag = strChoice.Find(L"Applications\\Lumacap8.exe") >= 0;
+        g_aAssocExts[nIndex].nFlag = strChoice.Find(kProductApplication) >= 0;
         return;
     }
 
@@ -65,7 +65,7 @@ static void Survey(const AssociationBase& base, int nIndex)
                 PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation);
 }
 
-// True if the association was changed.
+// True if the association was the product's: that counts as a change, even if the platform refused it.
 static bool RemoveUserChoice(HKEY hExtension, int nIndex)
 {
     const bool bOurs = g_aAssocExts[nIndex].nFlag != 0;
@@ -75,7 +75,7 @@ static bool RemoveUserChoice(HKEY hExtension, int nIndex)
     return bOurs;
 }
 
-// True if the association was changed. One without a trace of the product keeps what the product saved.
+// True if the association was the product's, as above. One without a trace of the product keeps what the product saved.
 static bool RestoreAssociation(HKEY hExtension, const wchar_t* pszValueName, const CString& strSaved)
 {
     if (!PointsAtProduct(QueryRegText(hExtension, pszValueName)))

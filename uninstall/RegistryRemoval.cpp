@@ -1,6 +1,7 @@
 // Takes the product out of the registry.
 #include "uninstall/RegistryRemoval.h"
 
+#include "app/Product.h"
 #include "foundation/BoundedText.h"
 #include "foundation/SystemFacts.h"
 #include "uninstall/RegistryWalk.h"
@@ -78,14 +79,12 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
             DeleteRegTree(hUser, szApplication);
         });
 
-    static const wchar_t kUninstall[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
-    static const wchar_t kAppPaths[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths";
     const Removal kSystemEntries[] = {
         { HKEY_CLASSES_ROOT, L"LC8.Document", REMOVE_TREE, nullptr },
-        { HKEY_CLASSES_ROOT, L"Lumacap.8", REMOVE_TREE, nullptr },
-        { HKEY_LOCAL_MACHINE, kUninstall, REMOVE_CHILD_KEY, pszUninstallKey },
-        { HKEY_LOCAL_MACHINE, kAppPaths, REMOVE_CHILD_TREE, pszExeName },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications", REMOVE_VALUE, L"Lumacap.8" },
+        { HKEY_CLASSES_ROOT, kProductClass, REMOVE_TREE, nullptr },
+        { HKEY_LOCAL_MACHINE, kUninstallListKey, REMOVE_CHILD_KEY, pszUninstallKey },
+        { HKEY_LOCAL_MACHINE, kAppPathsListKey, REMOVE_CHILD_TREE, pszExeName },
+        { HKEY_LOCAL_MACHINE, kRegisteredApplicationsKey, REMOVE_VALUE, kProductClass },
         { HKEY_LOCAL_MACHINE, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
         { HKEY_CURRENT_USER, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
     };

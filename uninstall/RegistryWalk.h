@@ -1,5 +1,5 @@
-// Registry keys as trees: deletes them, walks the users' hives, reads their texts. All access is full access, since
-// what is walked here is there to be removed.
+// Registry keys as trees: deletes them, walks the users' hives, reads their texts. Keys are opened with full
+// access, also where they are only read: a key that doesn't grant it is passed over.
 #pragma once
 
 #include <afx.h>

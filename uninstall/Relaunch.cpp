@@ -16,7 +16,6 @@
 #include "uninstall/UninstallDriver.h"
 
 const DWORD kFirstStageExitMs = 1000; // the only hand-shake between the two stages
-const DWORD kUnregisterWaitMs = 5000;
 
 static CString CopyToTemp(const wchar_t* pszModule)
 {
@@ -57,8 +56,8 @@ static CString GetDriveAndFolder(const wchar_t* pszPath)
 static void UnregisterThumbnailHandler(const CString& strFolder)
 {
     const CString strLibrary = IsNT6OrLater() ? strFolder + kThumbnailDll : CString();
-    if (strLibrary.GetLength() > 4)
-        RunAndWait(L"regsvr32.exe /s /u \"" + strLibrary + L"\"", strFolder, kUnregisterWaitMs);
+    if (!strLibrary.IsEmpty())
+        RunAndWait(L"regsvr32.exe /s /u \"" + strLibrary + L"\"", strFolder, kBoundedWaitMs);
 }
 
 void FinishUninstall(const wchar_t* pszUninstaller)

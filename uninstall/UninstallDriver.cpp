@@ -13,11 +13,9 @@
 #include "uninstall/RegistryRemoval.h"
 #include "uninstall/RegistryWalk.h"
 
-const DWORD kUnregisterWaitMs = 5000;
-
 static void LetProductUnregister(const CString& strFolder)
 {
-    RunAndWait(L"\"" + strFolder + kProductExe + L"\" -unregonly", strFolder, kUnregisterWaitMs);
+    RunAndWait(L"\"" + strFolder + kProductExe + L"\" -unregonly", strFolder, kBoundedWaitMs);
 }
 
 static void ReplayLogs(const CString& strFolder)
@@ -91,8 +89,7 @@ static void SweepMachineFolders()
 static void SweepUserFolders(HKEY hUser)
 {
     CKeyOwner folders;
-    if (RegOpenKeyExW(hUser, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", 0,
-                      KEY_ALL_ACCESS, folders.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(hUser, kShellFoldersKey, 0, KEY_ALL_ACCESS, folders.Receive()) != ERROR_SUCCESS)
         return;
 
     const CString strStartup = QueryRegText(folders, L"Startup");
