@@ -198,7 +198,8 @@ TEST_F(InstallDriver, OnlyARepeatedInstallClearsWhatTheEarlierOneMade)
         Choose(KIND_ALL_USERS, 0, 0);
         g_bFreshInstall = bFresh;
         WriteBytes(At(L"package\\LumUnInst.log"),
-                   "File Copy: Lumacap8.exe\r\nMake Dir: Sub\r\nMake Dir: Full\r\nFile Del: old*.dll | of 7\r\n");
+                   "File Copy: Lumacap8.exe\r\nFile Overwrite: kept.txt\r\nMake Dir: Sub\r\nMake Dir: Full\r\n"
+                   "File Del: old*.dll | of 7\r\n");
         WriteBytes(At(L"target\\LumUnInst.log"),
                    LogOf(m_strList, L"all\\Programs\\A\\Old", L"all\\Programs\\A\\Old\\a.lnk") +
                        "File Del: kept.txt\r\n");

@@ -22,8 +22,10 @@ class InstallRun : public InstallCorner
 protected:
     InstallRun()
         : m_module("KERNEL32.dll", "GetModuleFileNameW", &GetModuleFileNameW), m_exit("msvcrt.dll", "exit", &exit),
-          m_browser("SHELL32.dll", "ShellExecuteW", &ShellExecuteW)
+          m_browser("SHELL32.dll", "ShellExecuteW", &ShellExecuteW),
+          m_wizard("USER32.dll", "DialogBoxIndirectParamW", &DialogBoxIndirectParamW)
     {
+        m_wizard.FailAll(ERROR_INVALID_FUNCTION, IDCANCEL);
         m_module.Replace([this](HMODULE, LPWSTR psz, DWORD)
                          { return static_cast<DWORD>(wcslen(wcscpy(psz, At(L"package\\setup.exe").c_str()))); });
         m_exit.Replace([](int nCode) { throw EXIT{ nCode }; });
@@ -94,6 +96,7 @@ protected:
     CCallHook<decltype(&GetModuleFileNameW)> m_module;
     CCallHook<decltype(&exit)> m_exit;
     CCallHook<decltype(&ShellExecuteW)> m_browser;
+    CCallHook<decltype(&DialogBoxIndirectParamW)> m_wizard; // which nobody sees: it is cancelled
 };
 
 // Looked at where the run ends for want of a list, ahead of all work. A digit each: kind, first installation, start
@@ -241,6 +244,23 @@ TEST_F(InstallRun, DamagedPackageIsReportedInEveryModeAndNothingIsDone)
     EXPECT_EQ(m_browser.Texts()[0] + L" " + m_browser.Texts()[1], L"open http://www.lumacap.example/");
     EXPECT_FALSE(IsThere(At(L"Program Files")));
     EXPECT_TRUE(m_recorder.launches.empty());
+    EXPECT_EQ(m_wizard.Calls(), 0);
+}
+
+// The wizard installs by itself: behind it only the ending is left, and behind a cancelled one nothing.
+TEST_F(InstallRun, CancelledWizardTurnsTheRunDown)
+{
+    for (const bool bFinished : { false, true })
+    {
+        ResetProgramState();
+        g_nSilent = SILENT_OFF;
+        if (bFinished)
+            m_wizard.FailAll(0, IDOK);
+        EXPECT_EQ(Run(L"-instport A -runafter"), bFinished ? 0 : 1);
+        EXPECT_EQ(Join(m_recorder.launches), bFinished ? L"A\\Lumacap8.exe in A" : L"");
+        EXPECT_FALSE(IsThere(At(L"A")));
+    }
+    EXPECT_EQ(m_wizard.Calls(), 2);
 }
 
 TEST_F(InstallRun, SilentFirstInstallGoesToAllUsersAlsoWithALonePortableSwitch)
