@@ -25,6 +25,7 @@ gcc_include=/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include
 tidy_args=(--extra-arg=--target=x86_64-w64-windows-gnu --extra-arg=-Qunused-arguments --extra-arg=-Wno-inconsistent-missing-override
     --extra-arg=-isystem"$gcc_include/c++" --extra-arg=-isystem"$gcc_include/c++/x86_64-w64-mingw32"
     --extra-arg=-isystem/usr/x86_64-w64-mingw32/include)
-printf '%s\n' "${sources[@]}" | grep -v '^sample/' |
+# The tests are left out: what they do to the import table isn't for another compiler's parser.
+printf '%s\n' "${sources[@]}" | grep -vE '^(sample|tests)/' |
     xargs -P 2 -n 6 clang-tidy --quiet -p build/release "${tidy_args[@]}" 2>build/clang-tidy.err
 echo "No findings"
