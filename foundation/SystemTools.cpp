@@ -43,14 +43,12 @@ static DWORD FindParentId(HANDLE hSnapshot)
     const DWORD dwSelf = GetCurrentProcessId();
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof(entry);
-    DWORD dwParent = 0;
-    for (BOOL bEntry = Process32FirstW(hSnapshot, &entry); bEntry && dwParent == 0;
-         bEntry = Process32NextW(hSnapshot, &entry))
+    for (BOOL bEntry = Process32FirstW(hSnapshot, &entry); bEntry; bEntry = Process32NextW(hSnapshot, &entry))
     {
-        if (entry.th32ProcessID == dwSelf)
-            dwParent = entry.th32ParentProcessID;
+        if (entry.th32ProcessID == dwSelf && entry.th32ParentProcessID != 0)
+            return entry.th32ParentProcessID;
     }
-    return dwParent;
+    return 0;
 }
 
 // Systems before Windows 7 have the function in a library of its own, which is loaded into the owner then. Null if it
