@@ -1,39 +1,30 @@
 // The sample package and the stand-in product, looked at from outside: the list names what the package holds, and the
 // product and its thumbnail handler do to the machine what the other tests take for granted.
-
+#include <gtest/gtest.h>
 #include <windows.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <functional>
-#include <stdio.h>
-#include <stdlib.h>
 #include <string>
 #include <vector>
+
+#include "tests/support/DialogDriver.h"
+#include "tests/support/Environment.h"
+#include "tests/support/Files.h"
+#include "tests/support/ProcessRun.h"
+#include "tests/support/RegistryCorner.h"
+#include "tests/support/SharedList.h"
 
 namespace
 {
 
-const DWORD kPatience = 10000;
-
-std::wstring PackagePath(const std::wstring& strName)
+std::wstring InPackage(const std::wstring& strName)
 {
-    std::wstring strPath = L"Z:" + std::wstring(_wgetenv(L"LUMACAP_BUILD")) + L"/package/" + strName;
-    std::replace(strPath.begin(), strPath.end(), L'/', L'\\');
-    return strPath;
+    return PackageFolder() + L"\\" + strName;
 }
 
-std::string ReadBytes(const std::wstring& strPath)
+std::wstring Product(const wchar_t* pszSwitches)
 {
-    std::string strBytes;
-    FILE* pFile = _wfopen(strPath.c_str(), L"rb");
-    if (pFile == nullptr)
-        return strBytes;
-    for (int nByte = fgetc(pFile); nByte != EOF; nByte = fgetc(pFile))
-        strBytes += static_cast<char>(nByte);
-    fclose(pFile);
-    return strBytes;
+    return L"\"" + InPackage(L"Lumacap8.exe") + L"\" " + pszSwitches;
 }
 
 // Names below the package that a mask meets, with the mask's own folder.
@@ -41,253 +32,143 @@ std::vector<std::wstring> MatchesInPackage(const std::wstring& strMask)
 {
     std::vector<std::wstring> matches;
     WIN32_FIND_DATAW found;
-    const HANDLE hFind = FindFirstFileW(PackagePath(strMask).c_str(), &found);
-    if (hFind == INVALID_HANDLE_VALUE)
-        return matches;
-    const std::wstring strFolder = strMask.substr(0, strMask.rfind(L'\\') + 1);
-    do
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-            matches.push_back(strFolder + found.cFileName);
-    while (FindNextFileW(hFind, &found));
-    FindClose(hFind);
+    const CFindOwner find(FindFirstFileW(InPackage(strMask).c_str(), &found));
+    for (BOOL bFound = find.IsOpen(); bFound; bFound = FindNextFileW(find, &found))
+        matches.push_back(strMask.substr(0, strMask.rfind(L'\\') + 1) + found.cFileName);
     return matches;
 }
 
-std::vector<std::wstring> FilesInPackage(const std::wstring& strFolder)
-{
-    std::vector<std::wstring> files = MatchesInPackage(strFolder + L"*");
-    WIN32_FIND_DATAW found;
-    const HANDLE hFind = FindFirstFileW(PackagePath(strFolder + L"*").c_str(), &found);
-    do
-    {
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 || found.cFileName[0] == L'.')
-            continue;
-        const std::vector<std::wstring> inner = FilesInPackage(strFolder + found.cFileName + L'\\');
-        files.insert(files.end(), inner.begin(), inner.end());
-    } while (FindNextFileW(hFind, &found));
-    FindClose(hFind);
-    return files;
-}
-
-// The values of the list's records that begin with `strPrefix`. Fails the test on a line end that isn't CR LF.
+// The values of the list's records that begin with the prefix.
 std::vector<std::wstring> ListValues(const std::string& strPrefix)
 {
     std::vector<std::wstring> values;
-    const std::string strList = ReadBytes(PackagePath(L"LumUnInst.log"));
-    for (size_t nStart = 0, nEnd; nStart < strList.size(); nStart = nEnd + 1)
-    {
-        nEnd = std::min(strList.find('\n', nStart), strList.size());
-        EXPECT_EQ(strList[nEnd - 1], '\r') << "line end at " << nEnd;
-        const std::string strLine = strList.substr(nStart, nEnd - 1 - nStart);
+    for (const std::string& strLine : ReadLines(InPackage(L"LumUnInst.log")))
         if (strLine.compare(0, strPrefix.size(), strPrefix) == 0)
             values.emplace_back(strLine.begin() + strPrefix.size(), strLine.end());
-    }
     return values;
 }
 
-bool Exists(HKEY hRoot, const wchar_t* pszKey, const wchar_t* pszValue = nullptr)
+// Line feeds without a carriage return before them.
+template <typename Text>
+size_t BareLineEnds(const Text& text)
 {
-    HKEY hKey = nullptr;
-    if (RegOpenKeyExW(hRoot, pszKey, 0, KEY_READ, &hKey) != ERROR_SUCCESS)
-        return false;
-    const LSTATUS nStatus = pszValue ? RegQueryValueExW(hKey, pszValue, nullptr, nullptr, nullptr, nullptr) : 0;
-    RegCloseKey(hKey);
-    return nStatus == ERROR_SUCCESS;
+    size_t nBare = 0;
+    for (size_t n = 0; n < text.size(); ++n)
+        nBare += text[n] == '\n' && (n == 0 || text[n - 1] != '\r');
+    return nBare;
 }
 
-HANDLE Start(const std::wstring& strCommand)
-{
-    std::wstring strBuffer = strCommand;
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    EXPECT_TRUE(
-        CreateProcessW(nullptr, &strBuffer[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
-        << "error " << GetLastError();
-    CloseHandle(process.hThread);
-    return process.hProcess;
-}
-
-DWORD EndOf(HANDLE hProcess)
-{
-    DWORD dwCode = STILL_ACTIVE;
-    if (WaitForSingleObject(hProcess, kPatience) != WAIT_OBJECT_0)
-        TerminateProcess(hProcess, 999);
-    GetExitCodeProcess(hProcess, &dwCode);
-    CloseHandle(hProcess);
-    return dwCode;
-}
-
-std::wstring Product(const wchar_t* pszSwitches)
-{
-    return L"\"" + PackagePath(L"Lumacap8.exe") + L"\" " + pszSwitches;
-}
-
-bool Soon(const std::function<bool()>& condition)
-{
-    const ULONGLONG ullEnd = GetTickCount64() + kPatience;
-    while (!condition())
-    {
-        if (GetTickCount64() > ullEnd)
-            return false;
-        Sleep(10);
-    }
-    return true;
-}
-
-// The ids in the shared list, in its order.
-std::vector<DWORD> ListedInstances()
-{
-    std::vector<DWORD> ids;
-    const HANDLE hMapping =
-        OpenFileMappingW(FILE_MAP_READ, FALSE, L"Local\\COXInstanceManager_FileMap_Tandrel.Lumacap-DX.v4");
-    const DWORD* pList = static_cast<const DWORD*>(hMapping ? MapViewOfFile(hMapping, FILE_MAP_READ, 0, 0, 4008) : 0);
-    if (pList != nullptr)
-    {
-        ids.assign(pList + 2, pList + 2 + pList[1]);
-        UnmapViewOfFile(pList);
-    }
-    CloseHandle(hMapping);
-    return ids;
-}
-
-// The window of a process whose caption is the product's.
-HWND ProductWindow(DWORD dwProcessId)
-{
-    for (HWND hWnd = nullptr; (hWnd = FindWindowExW(nullptr, hWnd, nullptr, L"Lumacap 8")) != nullptr;)
-    {
-        DWORD dwOwner = 0;
-        GetWindowThreadProcessId(hWnd, &dwOwner);
-        if (dwOwner == dwProcessId)
-            return hWnd;
-    }
-    return nullptr;
-}
+} // namespace
 
 TEST(SamplePackage, ListNamesEveryFileOnceAndNothingThatIsMissing)
 {
     std::vector<std::wstring> named = { L"LumUnInst.log", L"setup.exe" };
     for (const char* pszPrefix : { "File Copy: ", "File Copy x64: ", "File Copy ind: ", "File Copy prt: " })
     {
-        const std::vector<std::wstring> values = ListValues(pszPrefix);
-        EXPECT_FALSE(values.empty()) << pszPrefix;
-        for (const std::wstring& strValue : values)
+        for (const std::wstring& strValue : ListValues(pszPrefix))
         {
             const std::vector<std::wstring> matches = MatchesInPackage(strValue.substr(0, strValue.find(L" >")));
             EXPECT_FALSE(matches.empty()) << pszPrefix << testing::PrintToString(strValue);
             named.insert(named.end(), matches.begin(), matches.end());
         }
     }
-    std::vector<std::wstring> held = FilesInPackage(L"");
+    std::vector<std::wstring> held = ListTree(PackageFolder());
+    held.erase(std::remove_if(held.begin(), held.end(), [](const std::wstring& str) { return str.back() == L'\\'; }),
+               held.end());
     std::sort(named.begin(), named.end());
     std::sort(held.begin(), held.end());
     EXPECT_EQ(named, held);
 }
 
-TEST(SamplePackage, ListMakesTheInstallFolderBeforeFoldersInItAndLeavesNoneBehind)
+TEST(SamplePackage, ListUsesEveryRecordAndMakesTheInstallFolderBeforeThoseInIt)
 {
-    const std::string strList = ReadBytes(PackagePath(L"LumUnInst.log"));
+    for (const char* pszPrefix :
+         { "File Copy x64: ", "File Copy ind: ", "File Copy prt: ", "File Overwrite: ", "File Del: " })
+        EXPECT_FALSE(ListValues(pszPrefix).empty()) << pszPrefix;
+    const std::string strList = ReadBytes(InPackage(L"LumUnInst.log"));
     EXPECT_LT(strList.find("\nFile Copy: Lumacap8.exe"), strList.find("\nMake Dir: "));
     const std::vector<std::wstring> folders = ListValues("Make Dir: ");
-    for (const std::wstring& strFile : FilesInPackage(L""))
+    for (const std::wstring& strPath : ListTree(PackageFolder()))
     {
-        const std::wstring strFolder = strFile.substr(0, std::min(strFile.find(L'\\'), strFile.size()));
-        // The uninstaller removes "x64" by name.
-        if (strFolder == strFile || strFolder == L"x64")
+        if (strPath.back() != L'\\' || strPath == L"x64\\") // which the uninstaller removes by name
             continue;
-        EXPECT_EQ(std::count(folders.begin(), folders.end(), strFolder), 1) << testing::PrintToString(strFile);
+        EXPECT_EQ(1, std::count(folders.begin(), folders.end(), strPath.substr(0, strPath.size() - 1)));
     }
-    EXPECT_FALSE(ListValues("File Overwrite: ").empty());
-    EXPECT_FALSE(ListValues("File Del: ").empty());
 }
 
-TEST(SamplePackage, AgreementIsUtf16WithMarkAndWindowsLineEnds)
+TEST(SamplePackage, TextsHaveWindowsLineEndsAndTheAgreementItsByteOrderMark)
 {
-    const std::string strBytes = ReadBytes(PackagePath(L"agreement.txt"));
+    EXPECT_EQ(0u, BareLineEnds(ReadBytes(InPackage(L"LumUnInst.log"))));
+    const std::string strBytes = ReadBytes(InPackage(L"agreement.txt"));
     const std::wstring strText(reinterpret_cast<const wchar_t*>(strBytes.data()), strBytes.size() / 2);
-    ASSERT_EQ(strText.compare(0, 11, L"\xFEFFLUMACAP 8 "), 0);
-    for (size_t n = strText.find(L'\n'); n != std::wstring::npos; n = strText.find(L'\n', n + 1))
-        ASSERT_EQ(strText[n - 1], L'\r') << "at " << n;
+    EXPECT_EQ(L"\xFEFFLUMACAP 8 ", strText.substr(0, 11));
+    EXPECT_EQ(0u, BareLineEnds(strText));
 }
 
 TEST(SampleProduct, StandsInTheListAndShowsItsWindowUntilToldToClose)
 {
-    const HANDLE hProcess = Start(Product(L""));
-    const DWORD dwId = GetProcessId(hProcess);
-    EXPECT_TRUE(Soon([&] { return ProductWindow(dwId) != nullptr; }));
-    // Kept open beside the product, so that the list can still be read when the product is gone.
-    const HANDLE hMapping =
-        OpenFileMappingW(FILE_MAP_READ, FALSE, L"Local\\COXInstanceManager_FileMap_Tandrel.Lumacap-DX.v4");
-    EXPECT_NE(hMapping, nullptr);
-    std::vector<DWORD> ids = ListedInstances();
-    EXPECT_EQ(std::count(ids.begin(), ids.end(), dwId), 1);
-
-    PostMessageW(ProductWindow(dwId), WM_CLOSE, 1001, 0);
-    EXPECT_EQ(EndOf(hProcess), 0u);
-    ids = ListedInstances();
-    EXPECT_EQ(std::count(ids.begin(), ids.end(), dwId), 0);
-    CloseHandle(hMapping);
+    CProductList list({});
+    CProcessRun product(Product(L""));
+    ASSERT_TRUE(product.Start());
+    const CDialogDriver window(product.Id(), L"Lumacap 8");
+    EXPECT_EQ(std::vector<DWORD>{ product.Id() }, list.Ids());
+    PostMessageW(window.Window(), WM_CLOSE, 1001, 0);
+    EXPECT_TRUE(product.WaitForEnd());
+    EXPECT_EQ(0u, product.ExitCode());
+    EXPECT_TRUE(list.Ids().empty());
 }
 
 TEST(SampleProduct, CanBeMadeToIgnoreTheWishToClose)
 {
-    const HANDLE hProcess = Start(Product(L"-ignoreclose"));
-    const DWORD dwId = GetProcessId(hProcess);
-    ASSERT_TRUE(Soon([&] { return ProductWindow(dwId) != nullptr; }));
-    DWORD_PTR dwResult = 0;
-    EXPECT_NE(SendMessageTimeoutW(ProductWindow(dwId), WM_CLOSE, 1001, 0, SMTO_NORMAL, kPatience, &dwResult), 0);
-    EXPECT_EQ(WaitForSingleObject(hProcess, 200), static_cast<DWORD>(WAIT_TIMEOUT));
-    TerminateProcess(hProcess, 0);
-    EndOf(hProcess);
+    CProcessRun product(Product(L"-ignoreclose"));
+    ASSERT_TRUE(product.Start());
+    const CDialogDriver window(product.Id(), L"Lumacap 8");
+    DWORD_PTR nResult = 0;
+    EXPECT_NE(0, SendMessageTimeoutW(window.Window(), WM_CLOSE, 1001, 0, SMTO_NORMAL, kPatience, &nResult));
+    EXPECT_FALSE(product.WaitForEnd(200));
 }
 
 TEST(SampleProduct, RegistersAllOfItsKeysAndTakesBackAPartOnly)
 {
-    const wchar_t kFileExts[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
-    const wchar_t kBrowserHost[] = L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff";
+    const std::wstring strFileExts = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts";
+    const std::wstring strBrowserHost = L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff";
     const struct
     {
         HKEY hRoot;
         std::wstring strKey;
         const wchar_t* pszValue;
         bool bTakenBack;
-    } aCases[] = {
+    } cases[] = {
         { HKEY_CLASSES_ROOT, L"LC8.Document", nullptr, false },
         { HKEY_CLASSES_ROOT, L"LC8.Document\\DefaultIcon", nullptr, true },
-        { HKEY_LOCAL_MACHINE, kBrowserHost, nullptr, false },
-        { HKEY_CURRENT_USER, kBrowserHost, nullptr, false },
+        { HKEY_LOCAL_MACHINE, strBrowserHost, nullptr, false },
+        { HKEY_CURRENT_USER, strBrowserHost, nullptr, false },
         { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel\\Lumacap 8\\View", nullptr, false },
-        { HKEY_CURRENT_USER, std::wstring(kFileExts) + L"\\.bmp", L"LumacapOld", true },
-        { HKEY_CURRENT_USER, std::wstring(kFileExts) + L"\\.lcp", L"LumacapOld", false },
+        { HKEY_CURRENT_USER, strFileExts + L"\\.bmp", L"LumacapOld", true },
+        { HKEY_CURRENT_USER, strFileExts + L"\\.lcp", L"LumacapOld", false },
     };
-    for (const auto& c : aCases)
-        EXPECT_FALSE(Exists(c.hRoot, c.strKey.c_str(), c.pszValue)) << testing::PrintToString(c.strKey);
-    EXPECT_EQ(EndOf(Start(Product(L"-regonly"))), 0u);
-    for (const auto& c : aCases)
-        EXPECT_TRUE(Exists(c.hRoot, c.strKey.c_str(), c.pszValue)) << testing::PrintToString(c.strKey);
-    EXPECT_EQ(EndOf(Start(Product(L"-unregonly"))), 0u);
-    for (const auto& c : aCases)
-        EXPECT_NE(Exists(c.hRoot, c.strKey.c_str(), c.pszValue), c.bTakenBack) << testing::PrintToString(c.strKey);
-
-    RegDeleteTreeW(HKEY_CLASSES_ROOT, L"LC8.Document");
-    RegDeleteTreeW(HKEY_CURRENT_USER, kFileExts);
-    for (HKEY hRoot : { HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER })
+    CRegistryCorner registry;
+    registry.ClearProduct();
+    for (const bool bRegistered : { true, false })
     {
-        RegDeleteTreeW(hRoot, L"SOFTWARE\\Mozilla");
-        RegDeleteTreeW(hRoot, L"SOFTWARE\\Tandrel");
+        EXPECT_EQ(0u, RunToEnd(Product(bRegistered ? L"-regonly" : L"-unregonly")));
+        for (const auto& c : cases)
+            EXPECT_EQ(bRegistered || !c.bTakenBack,
+                      c.pszValue ? ValueExists(c.hRoot, c.strKey, c.pszValue) : KeyExists(c.hRoot, c.strKey))
+                << testing::PrintToString(c.strKey);
     }
 }
 
 TEST(SampleThumbnailHandler, EntersAndRemovesItselfThroughRegsvr32)
 {
-    const wchar_t kServer[] = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}\\InprocServer32";
-    const std::wstring strLibrary = L"\"" + PackagePath(L"ThumbLcp64.dll") + L"\"";
-    EXPECT_EQ(EndOf(Start(L"regsvr32.exe /s " + strLibrary)), 0u);
-    EXPECT_TRUE(Exists(HKEY_CLASSES_ROOT, kServer, L"ThreadingModel"));
-    EXPECT_TRUE(Exists(HKEY_CLASSES_ROOT, L".lcp\\ShellEx\\{E357FCCD-A995-4576-B01F-234630154E96}"));
-    EXPECT_EQ(EndOf(Start(L"regsvr32.exe /s /u " + strLibrary)), 0u);
-    EXPECT_FALSE(Exists(HKEY_CLASSES_ROOT, L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}"));
-    EXPECT_FALSE(Exists(HKEY_CLASSES_ROOT, L".lcp"));
+    CRegistryCorner registry;
+    registry.ClearProduct();
+    const std::wstring strLibrary = L"\"" + InPackage(L"ThumbLcp64.dll") + L"\"";
+    const wchar_t kServer[] = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}";
+    EXPECT_EQ(0u, RunToEnd(L"regsvr32.exe /s " + strLibrary));
+    EXPECT_TRUE(ValueExists(HKEY_CLASSES_ROOT, kServer + std::wstring(L"\\InprocServer32"), L"ThreadingModel"));
+    EXPECT_TRUE(KeyExists(HKEY_CLASSES_ROOT, L".lcp\\ShellEx\\{E357FCCD-A995-4576-B01F-234630154E96}"));
+    EXPECT_EQ(0u, RunToEnd(L"regsvr32.exe /s /u " + strLibrary));
+    EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, kServer));
+    EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, L".lcp"));
 }
-
-} // namespace

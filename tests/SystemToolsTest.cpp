@@ -1,30 +1,32 @@
-// Clipboard, WOW64 state, free file names and the parent process, read back from the platform. A child process that
-// never runs stands for the current one where a parent is asked for, so that the parent is known: it is the test
-// program.
+// Clipboard, WOW64 state, free file names and the parent process, read back from the platform. The list of processes
+// is given by the tests, but for one program that is started to tell its parent.
 #include <gtest/gtest.h>
+#include <stdio.h>
 #include <time.h>
 #include <windows.h>
 #include <tlhelp32.h>
 
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "app/RunState.h"
 #include "foundation/SystemTools.h"
+#include "tests/support/ChildRole.h"
 #include "tests/support/Corner.h"
-#include "tests/support/Files.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/ProcessRun.h"
+#include "tests/support/TestWindow.h"
 
 namespace
 {
 
+using SystemTools = MachineCorner;
+
 std::wstring ReadClipboardText()
 {
     std::wstring text = L"(none)";
-    if (!OpenClipboard(nullptr))
-        return L"(busy)";
+    EXPECT_TRUE(OpenClipboard(nullptr));
     if (HANDLE hBlock = GetClipboardData(CF_UNICODETEXT))
     {
         text = static_cast<const wchar_t*>(GlobalLock(hBlock));
@@ -34,264 +36,188 @@ std::wstring ReadClipboardText()
     return text;
 }
 
-// Holds the clipboard open, as a program that works with it does.
-class CClipboardHold
-{
-public:
-    CClipboardHold() { m_bHeld = OpenClipboard(m_hWindow); }
-    ~CClipboardHold()
-    {
-        CloseClipboard();
-        DestroyWindow(m_hWindow);
-    }
-    bool IsHeld() const { return m_bHeld; }
-
-private:
-    HWND m_hWindow = CreateWindowW(L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    bool m_bHeld;
-};
-
 } // namespace
 
-TEST(SystemToolsClipboard, TextReplacesWhatWasThere)
+TEST_F(SystemTools, TextReplacesWhatWasOnTheClipboardInASharedBlockWithRoomForItsTerminator)
 {
     const UINT nPrivateFormat = RegisterClipboardFormatW(L"SystemToolsTest");
     ASSERT_TRUE(OpenClipboard(nullptr));
-    EmptyClipboard();
     SetClipboardData(nPrivateFormat, GlobalAlloc(GMEM_MOVEABLE, 4));
     CloseClipboard();
-    ASSERT_TRUE(IsClipboardFormatAvailable(nPrivateFormat));
 
+    CCallHook allocate("KERNEL32.dll", "GlobalAlloc", &GlobalAlloc);
     for (const wchar_t* pszText : { L"first\r\nline", L"\x4E00\xD83D\xDE00", L"" })
     {
+        allocate.Replace(
+            [&](UINT nFlags, SIZE_T cb)
+            {
+                EXPECT_EQ(0x2002u, nFlags);
+                EXPECT_EQ(2 * (wcslen(pszText) + 1), cb);
+                return allocate.Original()(nFlags, cb);
+            });
         EXPECT_NE(0, CopyTextToClipboard(pszText));
         EXPECT_EQ(pszText, ReadClipboardText());
         EXPECT_FALSE(IsClipboardFormatAvailable(nPrivateFormat));
     }
 }
 
-TEST(SystemToolsClipboard, ClipboardInUseElsewhereIsLeftAlone)
+TEST_F(SystemTools, ClipboardInUseIsLeftAloneAndOneThatRefusesIsClosedAgain)
 {
+    CTestWindow window;
     ASSERT_NE(0, CopyTextToClipboard(L"before"));
-    {
-        CClipboardHold hold;
-        ASSERT_TRUE(hold.IsHeld());
-        EXPECT_EQ(0, CopyTextToClipboard(L"after"));
-    }
+    ASSERT_TRUE(OpenClipboard(window));
+    EXPECT_EQ(0, CopyTextToClipboard(L"after"));
+    CloseClipboard();
     EXPECT_EQ(L"before", ReadClipboardText());
-}
 
-TEST(SystemToolsClipboard, RefusedTextGivesZeroAndTheClipboardIsClosed)
-{
-    {
-        CCallHook set("USER32.dll", "SetClipboardData", &SetClipboardData);
-        set.FailAll(ERROR_NOT_ENOUGH_MEMORY);
-        EXPECT_EQ(0, CopyTextToClipboard(L"refused"));
-        EXPECT_EQ(1, set.Calls());
-    }
-    EXPECT_TRUE(CClipboardHold().IsHeld());
+    CCallHook set("USER32.dll", "SetClipboardData", &SetClipboardData);
+    set.FailAll(ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(0, CopyTextToClipboard(L"refused"));
+    EXPECT_TRUE(OpenClipboard(window));
+    CloseClipboard();
     EXPECT_EQ(L"(none)", ReadClipboardText());
 }
 
-TEST(SystemToolsClipboard, BlockIsMoveableAndSharedAndHoldsTheTerminator)
-{
-    CCallHook allocate("KERNEL32.dll", "GlobalAlloc", &GlobalAlloc);
-    allocate.Replace(
-        [&](UINT nFlags, SIZE_T cb)
-        {
-            EXPECT_EQ(0x2002u, nFlags);
-            EXPECT_EQ(12u, cb);
-            return allocate.Original()(nFlags, cb);
-        });
-    CopyTextToClipboard(L"12345");
-    EXPECT_EQ(1, allocate.Calls());
-}
-
-namespace
-{
-
-HANDLE g_hAskedProcess;
-
-BOOL WINAPI SayWow64(HANDLE hProcess, BOOL* pbWow64)
-{
-    g_hAskedProcess = hProcess;
-    *pbWow64 = TRUE;
-    return TRUE;
-}
-
-BOOL WINAPI RefuseWow64(HANDLE, BOOL*)
-{
-    return FALSE;
-}
-
-class SystemToolsWow64 : public testing::Test
-{
-protected:
-    void TearDown() override { g_pfnIsWow64ProcessOf = m_pfnBound; }
-
-    decltype(&IsWow64Process) m_pfnBound = g_pfnIsWow64ProcessOf;
-};
-
-} // namespace
-
-TEST_F(SystemToolsWow64, NullStandsForTheCurrentProcess)
+TEST_F(SystemTools, Wow64IsAskedOfTheGivenOrTheCurrentProcessAndIsZeroWhereItCannotBe)
 {
     EXPECT_EQ(0, IsWow64Of(nullptr)) << "a 64-bit program";
-    HANDLE hOther = reinterpret_cast<HANDLE>(0x1234);
-    g_pfnIsWow64ProcessOf = SayWow64;
+    static HANDLE s_hAsked;
+    g_pfnIsWow64ProcessOf = [](HANDLE hProcess, BOOL* pbWow64)
+    {
+        s_hAsked = hProcess;
+        return *pbWow64 = TRUE;
+    };
+    const HANDLE hOther = reinterpret_cast<HANDLE>(0x1234);
     EXPECT_NE(0, IsWow64Of(nullptr));
-    EXPECT_EQ(GetCurrentProcess(), g_hAskedProcess);
+    EXPECT_EQ(GetCurrentProcess(), s_hAsked);
     EXPECT_NE(0, IsWow64Of(hOther));
-    EXPECT_EQ(hOther, g_hAskedProcess);
-}
-
-TEST_F(SystemToolsWow64, WhatCannotBeAskedIsZero)
-{
-    g_pfnIsWow64ProcessOf = RefuseWow64;
+    EXPECT_EQ(hOther, s_hAsked);
+    g_pfnIsWow64ProcessOf = [](HANDLE, BOOL*) { return FALSE; };
     EXPECT_EQ(0, IsWow64Of(nullptr));
     g_pfnIsWow64ProcessOf = nullptr;
     EXPECT_EQ(0, IsWow64Of(nullptr));
 }
 
-namespace
+TEST_F(SystemTools, FolderPrefixTimeAndExtensionMakeAFreeName)
 {
-
-// Time stands still, at a value that each test sets.
-class SystemToolsTempName : public MachineCorner
-{
-protected:
-    void SetUp() override
-    {
-        MachineCorner::SetUp();
-        wchar_t szTemp[MAX_PATH];
-        GetTempPathW(MAX_PATH, szTemp);
-        m_temp = szTemp;
-        m_clock.Replace([this](__time64_t*) { return m_time; });
-    }
-
-    std::wstring NameAt(__time64_t time)
-    {
-        m_time = time;
-        return std::wstring(MakeTempName(L"b", L"a", Folder().c_str()));
-    }
-
-    std::wstring m_temp; // with its backslash
-    __time64_t m_time = 0x5ABCDEF12;
-    CCallHook<decltype(&_time64)> m_clock{ "msvcrt.dll", "_time64", &_time64 };
-};
-
-} // namespace
-
-TEST_F(SystemToolsTempName, FolderPrefixCounterAndExtensionMakeTheName)
-{
-    std::wstring slashes = Folder();
-    for (wchar_t& ch : slashes)
-        ch = ch == L'\\' ? L'/' : ch;
+    __time64_t time = 0;
+    CCallHook clock("msvcrt.dll", "_time64", &_time64);
+    clock.Replace([&](__time64_t*) { return time; });
+    wchar_t szTemp[MAX_PATH];
+    GetTempPathW(MAX_PATH, szTemp);
+    const std::wstring temp = szTemp; // with its backslash
     const std::wstring folder = Folder();
+    const std::wstring slashes = L"C:/" + folder.substr(3);
+    for (const wchar_t* pszTaken : { L"aFFFFFFE.b", L"aFFFFFFF.b", L"a10000001.b" })
+        WriteBytes(At(pszTaken), "");
     const struct
     {
+        __time64_t time;
         const wchar_t* pszExtension;
         const wchar_t* pszPrefix;
         std::wstring folder;
         std::wstring expected;
     } cases[] = {
-        { L"dat", L"Pre", folder, folder + L"\\PreBCDEF12.dat" },
-        { L".dat", L"Pre", folder + L"\\", folder + L"\\PreBCDEF12.dat" },
-        { L"..dat", L"Pre", slashes + L"/", folder + L"\\PreBCDEF12..dat" },
-        { L"", L"", slashes + L"//", folder + L"\\\\BCDEF12." },
-        { L".", nullptr, folder + L"\\missing", m_temp + L"LUMBCDEF12." },
-        { nullptr, L"Pre", L"", m_temp + L"PreBCDEF12.TMP" },
+        { 0x5ABCDEF12, L"dat", L"Pre", folder, folder + L"\\PreBCDEF12.dat" },
+        { 0x5ABCDEF12, L"..dat", L"Pre", slashes + L"/", folder + L"\\PreBCDEF12..dat" },
+        { 0x5ABCDEF12, L"", L"", folder + L"\\/", folder + L"\\\\BCDEF12." },
+        { 0x5ABCDEF12, L".", nullptr, folder + L"\\missing", temp + L"LUMBCDEF12." },
+        { 0x5ABCDEF12, nullptr, L"Pre", L"", temp + L"PreBCDEF12.TMP" },
+        { 0x2000000AB, L"b", L"a", folder, At(L"aAB.b") },
+        { 0x10000000, L"b", L"a", folder, At(L"a0.b") },
+        { 0x1FFFFFFFE, L"b", L"a", folder, At(L"a10000000.b") }, // steps over names beyond the 28 bits
     };
     for (const auto& c : cases)
-        EXPECT_EQ(c.expected, std::wstring(MakeTempName(c.pszExtension, c.pszPrefix, c.folder.c_str())));
-    EXPECT_EQ(m_temp + L"LUMBCDEF12.TMP", std::wstring(MakeTempName(nullptr, nullptr, nullptr)));
-    EXPECT_TRUE(ListTree(folder).empty()) << "made on disk";
-}
+    {
+        time = c.time;
+        EXPECT_EQ(c.expected, MakeTempName(c.pszExtension, c.pszPrefix, c.folder.c_str()).GetString());
+        EXPECT_FALSE(IsThere(c.expected));
+    }
+    EXPECT_EQ(temp + L"LUMFFFFFFE.TMP", MakeTempName(nullptr, nullptr, nullptr).GetString());
 
-TEST_F(SystemToolsTempName, CounterIsTheLow28BitsOfTheTimeWithoutLeadingZeros)
-{
-    EXPECT_EQ(At(L"aAB.b"), NameAt(0x2000000AB));
-    EXPECT_EQ(At(L"aFFFFFFF.b"), NameAt(0x1FFFFFFFF));
-    EXPECT_EQ(At(L"a0.b"), NameAt(0x10000000));
-}
-
-TEST_F(SystemToolsTempName, TakenNamesAreSteppedOverBeyondThe28Bits)
-{
-    for (const wchar_t* pszName : { L"aFFFFFFE.b", L"aFFFFFFF.b", L"a10000001.b" })
-        WriteBytes(At(pszName), "");
-    EXPECT_EQ(At(L"a10000000.b"), NameAt(0x1FFFFFFFE));
-    WriteBytes(At(L"a10000000.b"), "");
-    EXPECT_EQ(At(L"a10000002.b"), NameAt(0x1FFFFFFFE));
-}
-
-TEST_F(SystemToolsTempName, MissingTemporaryFolderLeavesTheRootOfTheDrive)
-{
     CCallHook path("KERNEL32.dll", "GetTempPathW", &GetTempPathW);
     path.FailAll(ERROR_ACCESS_DENIED);
-    EXPECT_STREQ(L"\\aBCDEF12.b", MakeTempName(L"b", L"a", nullptr));
+    EXPECT_STREQ(L"\\aFFFFFFE.b", MakeTempName(L"b", L"a", nullptr)) << "from the root of the drive";
 }
 
 namespace
 {
 
+int TellParent()
+{
+    wchar_t szPath[MAX_PATH] = L"";
+    const DWORD nParent = GetParentProcess(szPath, MAX_PATH);
+    return printf("%lu %ls", nParent, szPath) < 0;
+}
+
+const CChildRole s_parent(L"parent", TellParent);
+
+// The list of processes gives this one a parent: itself, so that its program's path is known.
 class SystemToolsParent : public testing::Test
 {
 protected:
+    struct ENTRY
+    {
+        DWORD nProcess, nParent;
+    };
+
     void SetUp() override
     {
         GetModuleFileNameW(nullptr, m_szProgram, MAX_PATH);
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof(startup);
-        ASSERT_TRUE(CreateProcessW(m_szProgram, nullptr, nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr,
-                                   &startup, &m_child));
-        m_self.Replace([this] { return m_child.dwProcessId; });
+        m_first.Replace([this](HANDLE, PROCESSENTRY32W* pEntry) { return GiveEntry(pEntry); });
+        m_next.Replace([this](HANDLE, PROCESSENTRY32W* pEntry) { return GiveEntry(pEntry); });
     }
 
-    void TearDown() override
+    BOOL GiveEntry(PROCESSENTRY32W* pEntry)
     {
-        TerminateProcess(m_child.hProcess, 0);
-        WaitForSingleObject(m_child.hProcess, 5000);
-        CloseHandle(m_child.hThread);
-        CloseHandle(m_child.hProcess);
+        EXPECT_EQ(568u, pEntry->dwSize);
+        if (m_nGiven == m_entries.size())
+            return FALSE;
+        pEntry->th32ProcessID = m_entries[m_nGiven].nProcess;
+        pEntry->th32ParentProcessID = m_entries[m_nGiven].nParent;
+        ++m_nGiven;
+        return TRUE;
     }
 
     DWORD Ask()
     {
+        m_nGiven = 0;
         wcscpy_s(m_szPath, L"untouched");
         return GetParentProcess(m_szPath, MAX_PATH);
     }
 
-    PROCESS_INFORMATION m_child = {};
+    const DWORD m_nSelf = GetCurrentProcessId();
+    std::vector<ENTRY> m_entries{ { m_nSelf, m_nSelf } };
+    size_t m_nGiven = 0;
     wchar_t m_szProgram[MAX_PATH];
     wchar_t m_szPath[MAX_PATH];
-    const DWORD m_nTestProgram = GetCurrentProcessId();
-    CCallHook<decltype(&GetCurrentProcessId)> m_self{ "KERNEL32.dll", "GetCurrentProcessId", &GetCurrentProcessId };
+    CCallHook<decltype(&Process32FirstW)> m_first{ "KERNEL32.dll", "Process32FirstW", &Process32FirstW };
+    CCallHook<decltype(&Process32NextW)> m_next{ "KERNEL32.dll", "Process32NextW", &Process32NextW };
     CCallHook<decltype(&OpenProcess)> m_open{ "KERNEL32.dll", "OpenProcess", &OpenProcess };
 };
 
 } // namespace
 
-TEST_F(SystemToolsParent, ParentIsFoundAndItsProgramGoesIntoTheBuffer)
+TEST_F(SystemToolsParent, StartedProgramFindsThisOneByItsIdAndPath)
 {
-    m_open.Replace(
-        [this](DWORD nAccess, BOOL bInherit, DWORD nProcess)
-        {
-            EXPECT_EQ(1040u, nAccess);
-            return m_open.Original()(nAccess, bInherit, nProcess);
-        });
-    EXPECT_EQ(m_nTestProgram, Ask());
-    EXPECT_STREQ(m_szProgram, m_szPath);
+    CProcessRun child(CChildRole::CommandLine(L"parent"));
+    ASSERT_TRUE(child.Start());
+    ASSERT_TRUE(child.WaitForEnd());
+    const std::wstring expected = std::to_wstring(m_nSelf) + L" " + m_szProgram;
+    EXPECT_EQ(std::string(expected.begin(), expected.end()), child.Output());
 }
 
-TEST_F(SystemToolsParent, BufferOrSizeOfZeroAsksForTheIdAlone)
+TEST_F(SystemToolsParent, SearchEndsWithTheFirstEntryOfTheProcessThatNamesAParent)
 {
-    EXPECT_EQ(m_nTestProgram, GetParentProcess(nullptr, 0));
-    EXPECT_EQ(m_nTestProgram, GetParentProcess(nullptr, MAX_PATH));
-    EXPECT_EQ(m_nTestProgram, GetParentProcess(m_szPath, 0));
-    EXPECT_EQ(0, m_open.Calls());
+    m_entries = { { m_nSelf, 0 }, { 40000, 50000 }, { m_nSelf, 60000 }, { m_nSelf, 70000 } };
+    EXPECT_EQ(60000u, GetParentProcess(nullptr, 0));
+    EXPECT_EQ(3u, m_nGiven);
+    m_entries = { { 40000, 50000 } };
+    EXPECT_EQ(0u, Ask());
+    EXPECT_STREQ(L"untouched", m_szPath);
 }
 
-TEST_F(SystemToolsParent, SnapshotOfProcessesStaysOpen)
+TEST_F(SystemToolsParent, SnapshotOfProcessesStaysOpenAndWithoutItThereIsNoParent)
 {
     HANDLE hSnapshot = nullptr;
     CCallHook snapshot("KERNEL32.dll", "CreateToolhelp32Snapshot", &CreateToolhelp32Snapshot);
@@ -301,50 +227,29 @@ TEST_F(SystemToolsParent, SnapshotOfProcessesStaysOpen)
             EXPECT_EQ(2u, nFlags);
             return hSnapshot = snapshot.Original()(nFlags, nProcess);
         });
-    Ask();
+    EXPECT_EQ(m_nSelf, Ask());
     EXPECT_TRUE(CloseHandle(hSnapshot));
-}
-
-TEST_F(SystemToolsParent, WithoutASnapshotOrAnEntryThereIsNoParent)
-{
-    {
-        CCallHook snapshot("KERNEL32.dll", "CreateToolhelp32Snapshot", &CreateToolhelp32Snapshot);
-        snapshot.FailAll(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
-        EXPECT_EQ(0u, Ask());
-        EXPECT_EQ(0, m_open.Calls());
-    }
-    m_self.Replace([] { return 0x7FFFFFF0u; });
+    snapshot.FailAll(ERROR_ACCESS_DENIED, INVALID_HANDLE_VALUE);
     EXPECT_EQ(0u, Ask());
-    EXPECT_STREQ(L"untouched", m_szPath);
+    EXPECT_EQ(0u, m_nGiven);
 }
 
-TEST_F(SystemToolsParent, SearchGoesOnUntilAnEntryOfTheProcessNamesAParent)
+TEST_F(SystemToolsParent, PathNeedsBufferSizeAndAParentThatCanBeOpened)
 {
-    const DWORD nSelf = m_child.dwProcessId;
-    const DWORD entries[][2] = { { nSelf, 0 }, { 40000, 50000 }, { nSelf, 60000 }, { nSelf, 70000 } };
-    size_t nEntry = 0;
-    const auto giveEntry = [&](HANDLE, PROCESSENTRY32W* pEntry)
+    for (wchar_t* pszPath : { static_cast<wchar_t*>(nullptr), m_szPath })
     {
-        EXPECT_EQ(568u, pEntry->dwSize);
-        if (nEntry == _countof(entries))
-            return FALSE;
-        pEntry->th32ProcessID = entries[nEntry][0];
-        pEntry->th32ParentProcessID = entries[nEntry][1];
-        ++nEntry;
-        return TRUE;
-    };
-    CCallHook first("KERNEL32.dll", "Process32FirstW", &Process32FirstW);
-    CCallHook next("KERNEL32.dll", "Process32NextW", &Process32NextW);
-    first.Replace(giveEntry);
-    next.Replace(giveEntry);
-    EXPECT_EQ(60000u, GetParentProcess(nullptr, 0));
-    EXPECT_EQ(1, first.Calls());
-}
-
-TEST_F(SystemToolsParent, ParentThatCannotBeOpenedLeavesTheBuffer)
-{
-    m_open.FailAll(ERROR_ACCESS_DENIED);
-    EXPECT_EQ(m_nTestProgram, Ask());
+        m_nGiven = 0;
+        EXPECT_EQ(m_nSelf, GetParentProcess(pszPath, pszPath != nullptr ? 0 : MAX_PATH));
+    }
+    EXPECT_EQ(0, m_open.Calls());
+    m_open.Replace(
+        [](DWORD nAccess, BOOL, DWORD) -> HANDLE
+        {
+            EXPECT_EQ(1040u, nAccess);
+            return nullptr;
+        });
+    EXPECT_EQ(m_nSelf, Ask());
+    EXPECT_EQ(1, m_open.Calls());
     EXPECT_STREQ(L"untouched", m_szPath);
 }
 
@@ -377,12 +282,10 @@ TEST_F(SystemToolsParent, FunctionThatReadsThePathIsLookedForInTwoLibraries)
         load.Replace([&](const wchar_t* pszFile)
                      { return c.missingLibrary == pszFile ? nullptr : load.Original()(pszFile); });
         CCallHook free("KERNEL32.dll", "FreeLibrary", &FreeLibrary);
-        {
-            std::optional<CCallHook<decltype(&GetModuleHandleW)>> handle;
-            if (!c.bKernelHandle)
-                handle.emplace("KERNEL32.dll", "GetModuleHandleW", &GetModuleHandleW).FailAll(ERROR_MOD_NOT_FOUND);
-            EXPECT_EQ(m_nTestProgram, Ask());
-        }
+        CCallHook handle("KERNEL32.dll", "GetModuleHandleW", &GetModuleHandleW);
+        if (!c.bKernelHandle)
+            handle.FailAll(ERROR_MOD_NOT_FOUND);
+        EXPECT_EQ(m_nSelf, Ask());
         EXPECT_EQ(c.loaded, load.Texts());
         EXPECT_EQ(c.nFreed, free.Calls());
         EXPECT_STREQ(c.bPath ? m_szProgram : L"untouched", m_szPath);
