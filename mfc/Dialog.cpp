@@ -18,12 +18,12 @@ LPCDLGTEMPLATE LoadTemplate(LPCTSTR lpszTemplateName)
 }
 } // namespace
 
-CDialog::CDialog() : m_lpszTemplateName(nullptr), m_lpDialogTemplate(nullptr), m_pParentWnd(nullptr) {}
+CDialog::CDialog() : m_lpszTemplateName(nullptr), m_pParentWnd(nullptr) {}
 
 CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd) : CDialog(MAKEINTRESOURCEW(nIDTemplate), pParentWnd) {}
 
 CDialog::CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
-    : m_lpszTemplateName(lpszTemplateName), m_lpDialogTemplate(nullptr), m_pParentWnd(pParentWnd)
+    : m_lpszTemplateName(lpszTemplateName), m_pParentWnd(pParentWnd)
 {
 }
 
@@ -42,29 +42,17 @@ BOOL CDialog::Create(UINT nIDTemplate, CWnd* pParentWnd)
 BOOL CDialog::Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
 {
     m_lpszTemplateName = lpszTemplateName;
-    return CreateIndirect(LoadTemplate(lpszTemplateName), pParentWnd);
-}
-
-BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd)
-{
-    if (!lpDialogTemplate)
+    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(lpszTemplateName);
+    if (!lpTemplate)
         return FALSE;
     m_pParentWnd = pParentWnd ? pParentWnd : AfxGetMainWnd();
-    return CreateDialogIndirectParamW(AfxGetInstanceHandle(), lpDialogTemplate,
-                                      m_pParentWnd ? m_pParentWnd->m_hWnd : nullptr, Initialize,
-                                      reinterpret_cast<LPARAM>(this)) != nullptr;
-}
-
-BOOL CDialog::InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd)
-{
-    m_lpDialogTemplate = lpDialogTemplate;
-    m_pParentWnd = pParentWnd;
-    return TRUE;
+    return CreateDialogIndirectParamW(AfxGetInstanceHandle(), lpTemplate, m_pParentWnd ? m_pParentWnd->m_hWnd : nullptr,
+                                      Initialize, reinterpret_cast<LPARAM>(this)) != nullptr;
 }
 
 INT_PTR CDialog::DoModal()
 {
-    const LPCDLGTEMPLATE lpTemplate = m_lpDialogTemplate ? m_lpDialogTemplate : LoadTemplate(m_lpszTemplateName);
+    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(m_lpszTemplateName);
     if (!lpTemplate)
         return -1;
     const CWnd* pOwner = GetSafeOwner(m_pParentWnd);

@@ -466,24 +466,6 @@ int CStringT<T>::Delete(int iIndex, int nCount)
 }
 
 template <typename T>
-int CStringT<T>::Insert(int iIndex, PCXSTR psz)
-{
-    if (iIndex < 0)
-        iIndex = 0;
-    Splice(iIndex < m_nLength ? iIndex : m_nLength, 0, psz, TextLength(psz));
-    return m_nLength;
-}
-
-template <typename T>
-int CStringT<T>::Insert(int iIndex, XCHAR ch)
-{
-    if (iIndex < 0)
-        iIndex = 0;
-    Splice(iIndex < m_nLength ? iIndex : m_nLength, 0, &ch, 1);
-    return m_nLength;
-}
-
-template <typename T>
 int CStringT<T>::Replace(XCHAR chOld, XCHAR chNew)
 {
     if (chOld == chNew)
@@ -552,17 +534,6 @@ void CStringT<T>::FormatV(PCXSTR pszFormat, va_list args)
     CStringT strResult;
     WriteFormatted(strResult.GetBufferSetLength(nLength), nLength, pszFormat, args);
     Swap(strResult);
-}
-
-template <typename T>
-void CStringT<T>::AppendFormat(PCXSTR pszFormat, ...)
-{
-    CStringT strTail;
-    va_list args;
-    va_start(args, pszFormat);
-    strTail.FormatV(pszFormat, args);
-    va_end(args);
-    *this += strTail;
 }
 
 template <typename T>

@@ -70,10 +70,8 @@ public:
     CStringT& TrimRight(XCHAR chTarget);
     CStringT& TrimRight(PCXSTR pszTargets);
 
-    // Both give the new length. An index behind the end inserts at the end and deletes nothing.
+    // Gives the new length. An index behind the end deletes nothing.
     int Delete(int iIndex, int nCount = 1);
-    int Insert(int iIndex, PCXSTR psz);
-    int Insert(int iIndex, XCHAR ch);
     // Both give the number of replacements.
     int Replace(XCHAR chOld, XCHAR chNew);
     int Replace(PCXSTR pszOld, PCXSTR pszNew);
@@ -84,7 +82,6 @@ public:
     // %s means text of the string's own character type. The string's own text is allowed among the arguments.
     void Format(PCXSTR pszFormat, ...);
     void FormatV(PCXSTR pszFormat, va_list args);
-    void AppendFormat(PCXSTR pszFormat, ...);
 
     // A buffer with room for at least the length asked for, in characters, and a terminator. The string's length
     // holds from ReleaseBuffer on, which without a length looks for the terminator.

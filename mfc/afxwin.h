@@ -280,8 +280,6 @@ public:
     // True if the window came to be.
     BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = NULL);
     BOOL Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd = NULL);
-    BOOL CreateIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = NULL);
-    BOOL InitModalIndirect(LPCDLGTEMPLATE lpDialogTemplate, CWnd* pParentWnd = NULL);
     // Gives what EndDialog was given; -1 if the dialog can't be shown.
     virtual INT_PTR DoModal();
     void EndDialog(int nResult);
@@ -302,7 +300,6 @@ private:
     static INT_PTR CALLBACK Initialize(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
     LPCTSTR m_lpszTemplateName;
-    LPCDLGTEMPLATE m_lpDialogTemplate;
     CWnd* m_pParentWnd;
 };
 
