@@ -1,7 +1,7 @@
 # The one door to the project. Everything lands in build/; the only thing touched outside is Debian's package database.
 SHELL := /bin/bash
 .DELETE_ON_ERROR:
-.PHONY: help prerequisites build test demo wizard screenshots bench coverage lint clean
+.PHONY: help prerequisites build test demo wizard screenshots lint clean
 
 help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'

@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 preset=$1
 
 [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
-echo "Building $preset (about a minute the first time, seconds after that)"
+echo "Building $preset (one to three minutes the first time, seconds after that)"
 cmake --build --preset "$preset" -- --quiet
 if [ "$preset" = release ]; then
     cp -f build/release/out/setup.exe build/setup.exe

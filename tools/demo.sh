@@ -57,7 +57,8 @@ export_registry uninstalled
 heading 'To be done at the next boot'
 show boot "$machine_dir/uninstalled.reg"
 
-heading 'The machine restarts; what is left of it all, files first, then the registry'
+heading 'The machine restarts; what is left of it all: files first, then the registry'
+echo '  (empty keys may stay: those that the product made itself, and a list that other programs share)'
 machine_restart
 export_registry restarted
 list_files restarted

@@ -12,6 +12,8 @@ wine_program=/usr/lib/wine/wine64
 wine_server=/usr/lib/wine/wineserver64
 [ -x "$wine_server" ] || wine_server=/usr/lib/wine/wineserver
 
+# Without a UTF-8 locale Wine can't make files whose names go beyond ASCII.
+export LC_ALL=C.UTF-8
 export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 
 machine_make_base() (
