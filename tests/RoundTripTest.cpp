@@ -6,6 +6,7 @@
 
 #include "tests/support/Corner.h"
 #include "tests/support/Environment.h"
+#include "tests/support/InstallCorner.h"
 #include "tests/support/Machine.h"
 #include "tests/support/MachineState.h"
 #include "tests/support/PendingList.h"
@@ -22,43 +23,20 @@ const std::wstring kFileExts = kThisUser + L"Microsoft\\Windows\\CurrentVersion\
 
 // Keys that come with the first value below them and are nobody's to remove: of the browser's hosts, of the system's
 // list of programs and of the shell's notes on formats. They stay empty.
-const TEXTS kKeysLeft = {
-    L"+ HKLM\\Software\\Mozilla",
-    L"+ HKLM\\Software\\Mozilla\\NativeMessagingHosts",
-    L"+ HKLM\\Software\\RegisteredApplications",
-    kThisUser + L"Mozilla",
-    kThisUser + L"Mozilla\\NativeMessagingHosts",
-    kFileExts,
-    kFileExts + L"\\.bmp",
-    kFileExts + L"\\.jpg",
-    kFileExts + L"\\.lcp",
-    kFileExts + L"\\.png",
-};
+const TEXTS kKeysLeft =
+    Split(L"+ HKLM\\Software\\Mozilla|+ HKLM\\Software\\Mozilla\\NativeMessagingHosts|"
+          L"+ HKLM\\Software\\RegisteredApplications|" +
+              kThisUser + L"Mozilla|" + kThisUser + L"Mozilla\\NativeMessagingHosts|" + kFileExts + L"|" + kFileExts +
+              L"\\.bmp|" + kFileExts + L"\\.jpg|" + kFileExts + L"\\.lcp|" + kFileExts + L"\\.png",
+          L'|');
 
 // What an install puts into its folder, but for the uninstaller and the log.
-const TEXTS kProductFiles = { L"Filters\\blur.dll",
-                              L"Filters\\sharpen.dll",
-                              L"HomePage.url",
-                              L"Lang\\English.txt",
-                              L"Lang\\French.txt",
-                              L"Lang\\German.txt",
-                              L"License.txt",
-                              L"Lumacap8.exe",
-                              L"Lumacap8Man.chm",
-                              L"Samples\\About the samples.txt",
-                              L"Samples\\Checks.lcp",
-                              L"Samples\\Gradient.lcp",
-                              L"Samples\\Ring.lcp",
-                              L"ThumbLcp64.dll",
-                              L"capff.json",
-                              L"lc8codec.dll",
-                              L"lc8core.dll",
-                              L"lcxshare.dll",
-                              L"Filters\\",
-                              L"Lang\\",
-                              L"Presets\\",
-                              L"Samples\\",
-                              L"" };
+const TEXTS kProductFiles =
+    Split(L"Filters\\blur.dll|Filters\\sharpen.dll|HomePage.url|Lang\\English.txt|Lang\\French.txt|"
+          L"Lang\\German.txt|License.txt|Lumacap8.exe|Lumacap8Man.chm|Samples\\About the samples.txt|"
+          L"Samples\\Checks.lcp|Samples\\Gradient.lcp|Samples\\Ring.lcp|ThumbLcp64.dll|capff.json|lc8codec.dll|"
+          L"lc8core.dll|lcxshare.dll|Filters\\|Lang\\|Presets\\|Samples\\|",
+          L'|');
 
 class RoundTrip : public ProductCorner
 {
@@ -89,8 +67,7 @@ protected:
             if (!bFolder && strLine.compare(2, 5, L"file ") != 0)
                 continue;
             strLine.erase(2, bFolder ? 7 : 5);
-            strLine.erase(strLine.rfind(L' '));
-            if (!bFolder)
+            for (int nField = bFolder ? 1 : 0; nField < 2; nField++)
                 strLine.erase(strLine.rfind(L' '));
             strLine += bFolder ? L"\\" : L"";
             const size_t nCorner = strLine.find(Folder());

@@ -10,6 +10,7 @@
 #include "tests/support/Corner.h"
 #include "tests/support/Environment.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/InstallCorner.h"
 #include "tests/support/Machine.h"
 #include "tests/support/PendingList.h"
 #include "tests/support/ProcessRun.h"
@@ -37,11 +38,12 @@ protected:
     // Moves the machine's default places of links into the corner, and gives the other user some there too.
     void RedirectFolders()
     {
-        m_startup.emplace(HKEY_LOCAL_MACHINE, L"Common Startup", At(L"Startup"));
-        m_desktop.emplace(HKEY_LOCAL_MACHINE, L"Common Desktop", At(L"Desktop"));
-        m_programs.emplace(HKEY_LOCAL_MACHINE, L"Common Programs", At(L"Programs"));
-        for (const wchar_t* pszName : { L"Startup", L"Desktop", L"Programs" })
-            SetKeyText(HKEY_USERS, std::wstring(kHive) + kShellFolders, pszName, At(L"User") + L"\\" + pszName);
+        const std::wstring names[] = { L"Startup", L"Desktop", L"Programs" };
+        for (int i = 0; i < 3; i++)
+        {
+            m_folders[i].emplace(HKEY_LOCAL_MACHINE, (L"Common " + names[i]).c_str(), At(names[i]));
+            SetKeyText(HKEY_USERS, std::wstring(kHive) + kShellFolders, names[i], At(L"User\\") + names[i]);
+        }
     }
 
     void Remove() const { RunUninstall((m_strProduct + L"\\").c_str()); }
@@ -60,165 +62,78 @@ protected:
         return strText;
     }
 
-    // Lists of paths in the corner, each with a bar behind it; a folder ends in a backslash.
+    // Paths in the corner, with bars between; a folder ends in a backslash.
     void Make(const std::wstring& strPaths) const
     {
-        for (size_t nStart = 0, nEnd; (nEnd = strPaths.find(L'|', nStart)) != std::wstring::npos; nStart = nEnd + 1)
-        {
-            const std::wstring strPath = At(strPaths.substr(nStart, nEnd - nStart));
-            strPath.back() == L'\\' ? MakeFolder(strPath) : WriteBytes(strPath, "x");
-        }
-    }
-    std::wstring Tree() const
-    {
-        std::wstring strPaths;
-        for (const std::wstring& strPath : ListTree(Folder()))
-            strPaths += strPath + L"|";
-        return strPaths;
-    }
-    std::wstring Pending() const
-    {
-        std::wstring strPaths;
-        for (const PENDING& entry : PendingEntries())
-            strPaths += entry.strSource == Folder() ? L".|" : entry.strSource.substr(Folder().size() + 1) + L"|";
-        return strPaths;
+        for (const std::wstring& strPath : Split(strPaths, L'|'))
+            strPath.back() == L'\\' ? MakeFolder(At(strPath)) : WriteBytes(At(strPath), "x");
     }
 
     void WriteLog(const std::wstring& strRecords, const wchar_t* pszName = L"LumUnInst.log") const
     {
-        const std::wstring strText = ToCorner(strRecords);
-        WriteBytes(m_strProduct + L"\\" + pszName, std::string(strText.begin(), strText.end()));
+        WriteBytes(m_strProduct + L"\\" + pszName, Bytes(ToCorner(strRecords)));
     }
 
-    // One log, the corner before and after the removal, and what is put on the boot list.
-    struct CASE
-    {
-        const wchar_t* pszLog;
-        const wchar_t* pszMade;
-        const wchar_t* pszLeft;
-        const wchar_t* pszPending;
-    };
-    void Try(const CASE& row) const
-    {
-        SCOPED_TRACE(testing::PrintToString(row.pszLog) + testing::PrintToString(row.pszMade));
-        WriteLog(row.pszLog);
-        Make(row.pszMade);
-        Remove();
-        EXPECT_EQ(Tree(), row.pszLeft);
-        EXPECT_EQ(Pending(), row.pszPending);
-        for (const std::wstring& strPath : ListTree(Folder()))
-            RemoveTree(At(strPath));
-        ClearPending();
-    }
-
-    // Runs the program's second stage from the corner, in a folder.
-    std::unique_ptr<CProcessRun> StartProgram(const std::wstring& strFolder = L"") const
+    // The program's second stage, started from the corner.
+    std::wstring SecondStage() const
     {
         CopyOneFile(BuildFolder() + L"\\setup.exe", At(L"stage.exe"));
-        auto pRun = std::make_unique<CProcessRun>(At(L"stage.exe") + L" -delself " + m_strProduct + L"\\LumUnInst.exe");
-        pRun->SetFolder(strFolder);
-        return pRun;
+        return At(L"stage.exe") + L" -delself " + m_strProduct + L"\\LumUnInst.exe";
     }
 
     CRegistryCorner m_registry;
-    std::optional<CFolderRedirection> m_startup;
-    std::optional<CFolderRedirection> m_desktop;
-    std::optional<CFolderRedirection> m_programs;
+    std::optional<CFolderRedirection> m_folders[3];
     std::wstring m_strProduct = At(L"P");
 };
 
-// Notes calls as lines: the function's name and the texts that it was given.
-class CCallOrder
-{
-public:
-    template <typename Function>
-    void Watch(const char* pszDll, const char* pszFunction, Function pfn)
-    {
-        auto pHook = std::make_shared<CCallHook<Function>>(pszDll, pszFunction, pfn);
-        m_hooks.push_back(pHook);
-        pHook->Replace(
-            [this, pszFunction, pRaw = pHook.get()](auto... arguments)
-            {
-                std::wstring strLine(pszFunction, pszFunction + strlen(pszFunction));
-                (Add(strLine, arguments), ...);
-                m_lines.push_back(strLine);
-                return pRaw->Original()(arguments...);
-            });
-    }
-    const TEXTS& Lines() const { return m_lines; }
-
-private:
-    template <typename Argument>
-    static void Add(std::wstring& strLine, Argument argument)
-    {
-        if constexpr (std::is_same_v<Argument, const wchar_t*>)
-            strLine += L" " + std::wstring(IS_INTRESOURCE(argument) ? L"" : argument);
-    }
-
-    std::vector<std::shared_ptr<void>> m_hooks;
-    TEXTS m_lines;
-};
-
 // The calls that a removal makes of what StepsComeInTheirOrder puts in its way, "~" being the corner.
-const TEXTS kSteps = {
-    L"CreateProcessW  ~\\P\\",
-    L"RegDeleteKeyW SOFTWARE\\Tandrel\\Lumacap 8",
-    L"RegOpenKeyExW Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts",
-    L"_wfopen ~\\P\\install.log r",
-    L"DeleteFileW ~\\a.lnk",
-    L"RemoveDirectoryW ~\\Group",
-    L"_wfopen ~\\P\\LumUnInst.log r",
-    L"DeleteFileW ~\\b.lnk",
-    L"_wfopen ~\\P\\install.log r",
-    L"DeleteFileW ~\\P\\a.dll",
-    L"RemoveDirectoryW ~\\P\\\\Sub",
-    L"MoveFileExW ~\\P\\\\Sub ",
-    L"_wfopen ~\\P\\LumUnInst.log r",
-    L"DeleteFileW ~\\P\\b.dll",
-    L"RemoveDirectoryW ~\\P\\\\x32",
-    L"MoveFileExW ~\\P\\\\x32 ",
-    L"DeleteFileW ~\\P\\LumUnInst.log",
-    L"SetCurrentDirectoryW \\",
-    L"RemoveDirectoryW ~\\P\\\\x64",
-    L"MoveFileExW ~\\P\\\\x64 ",
-    L"RemoveDirectoryW ~\\P\\\\x32",
-    L"RemoveDirectoryW ~\\P\\",
-    L"DeleteFileW ~\\Startup\\Lumacap 8.lnk",
-    L"DeleteFileW ~\\Desktop\\Lumacap 8.lnk",
-    L"DeleteFileW ~\\Programs\\Lumacap 8\\.",
-    L"MoveFileExW ~\\Programs\\Lumacap 8\\. ",
-    L"DeleteFileW ~\\Programs\\Lumacap 8\\..",
-    L"MoveFileExW ~\\Programs\\Lumacap 8\\.. ",
-    L"RemoveDirectoryW ~\\Programs\\Lumacap 8\\",
-    L"DeleteFileW ~\\User\\Startup\\Lumacap 8.lnk",
-    L"DeleteFileW ~\\User\\Desktop\\Lumacap 8.lnk",
-    L"RemoveDirectoryW ~\\User\\Programs\\Lumacap 8\\",
-};
+const wchar_t kSteps[] = L"start ~\\P\\|unregister SOFTWARE\\Tandrel\\Lumacap 8|"
+                         L"look Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts|"
+                         L"read ~\\P\\install.log|delete ~\\a.lnk|remove ~\\Group|"
+                         L"read ~\\P\\LumUnInst.log|delete ~\\b.lnk|"
+                         L"read ~\\P\\install.log|delete ~\\P\\a.dll|remove ~\\P\\\\Sub|"
+                         L"read ~\\P\\LumUnInst.log|delete ~\\P\\b.dll|remove ~\\P\\\\x32|"
+                         L"delete ~\\P\\LumUnInst.log|remove ~\\P\\\\x64|remove ~\\P\\\\x32|remove ~\\P\\|"
+                         L"delete ~\\Startup\\Lumacap 8.lnk|delete ~\\Desktop\\Lumacap 8.lnk|"
+                         L"delete ~\\Programs\\Lumacap 8\\.|delete ~\\Programs\\Lumacap 8\\..|"
+                         L"remove ~\\Programs\\Lumacap 8\\|"
+                         L"delete ~\\User\\Startup\\Lumacap 8.lnk|delete ~\\User\\Desktop\\Lumacap 8.lnk|"
+                         L"remove ~\\User\\Programs\\Lumacap 8\\";
 
 TEST_F(UninstallDriver, StepsComeInTheirOrder)
 {
     RedirectFolders();
     WriteLog(L"Make Dir: Sub\nFile Copy: a.dll\nShell Link: ~\\a.lnk\nMade Dir: ~\\Group", L"install.log");
     WriteLog(L"Make Dir: x32\nFile Copy: b.dll\nShell Link: ~\\b.lnk");
-    Make(L"P\\a.dll|P\\b.dll|Programs\\Lumacap 8\\|");
-    CCallOrder order;
-    order.Watch("KERNEL32.dll", "CreateProcessW", &CreateProcessW);
-    order.Watch("ADVAPI32.dll", "RegDeleteKeyW", &RegDeleteKeyW);
-    order.Watch("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
-    order.Watch("msvcrt.dll", "_wfopen", &_wfopen);
-    order.Watch("KERNEL32.dll", "DeleteFileW", &DeleteFileW);
-    order.Watch("KERNEL32.dll", "RemoveDirectoryW", &RemoveDirectoryW);
-    order.Watch("KERNEL32.dll", "MoveFileExW", &MoveFileExW);
-    order.Watch("KERNEL32.dll", "SetCurrentDirectoryW", &SetCurrentDirectoryW);
-    Remove();
-
+    Make(L"P\\a.dll|P\\b.dll|Programs\\Lumacap 8\\");
     TEXTS lines;
-    for (const std::wstring& strLine : order.Lines())
-        if (strLine.find(Folder()) != std::wstring::npos || strLine == L"RegDeleteKeyW SOFTWARE\\Tandrel\\Lumacap 8" ||
-            strLine.find(L"\\FileExts") != std::wstring::npos || strLine == L"SetCurrentDirectoryW \\")
-            lines.push_back(FromCorner(strLine));
+    const auto watch = [&](auto& hook, const std::wstring& strVerb, int nText = 1) // which of the texts, from behind
+    {
+        hook.Replace(
+            [&, strVerb, nText](auto... arguments)
+            {
+                const std::wstring strLine = strVerb + FromCorner(hook.Texts().end()[-nText]);
+                if (strLine.find(L'~') != std::wstring::npos || strLine.find(L"\\FileExts") != std::wstring::npos ||
+                    strLine == L"unregister SOFTWARE\\Tandrel\\Lumacap 8")
+                    lines.push_back(strLine);
+                return hook.Original()(arguments...);
+            });
+    };
+    CCallHook start("KERNEL32.dll", "CreateProcessW", &CreateProcessW);
+    CCallHook unregister("ADVAPI32.dll", "RegDeleteKeyW", &RegDeleteKeyW);
+    CCallHook look("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
+    CCallHook read("msvcrt.dll", "_wfopen", &_wfopen);
+    CCallHook deletion("KERNEL32.dll", "DeleteFileW", &DeleteFileW);
+    CCallHook removal("KERNEL32.dll", "RemoveDirectoryW", &RemoveDirectoryW);
+    watch(start, L"start ");
+    watch(unregister, L"unregister ");
+    watch(look, L"look ");
+    watch(read, L"read ", 2);
+    watch(deletion, L"delete ");
+    watch(removal, L"remove ");
+    Remove();
     lines.erase(std::unique(lines.begin(), lines.end()), lines.end());
-    EXPECT_EQ(lines, kSteps);
+    EXPECT_EQ(Join(lines), kSteps);
     EXPECT_TRUE(IsThere(m_strProduct + L"\\install.log")) << "no record names it";
 }
 
@@ -226,38 +141,35 @@ TEST_F(UninstallDriver, StepsComeInTheirOrder)
 // while that second one stands.
 TEST_F(UninstallDriver, SubfoldersAndProductFolderAreJudgedDifferently)
 {
-    const CASE cases[] = {
-        { L"", L"", L"", L"P\\x64|" },
-        { L"", L"P\\x64\\|", L"", L"" },
-        { L"", L"P\\x64\\a|", L"P\\|P\\x64\\|P\\x64\\a|", L"P\\x64|" },
-        { L"", L"P\\x32\\|P\\x64\\|", L"", L"" },
-        { L"", L"P\\x32\\a|", L"P\\|P\\x32\\|P\\x32\\a|", L"P\\x64|P\\x32|P\\|" },
-        { L"", L"P\\x32\\a|P\\x64\\|", L"P\\|P\\x32\\|P\\x32\\a|", L"P\\x32|P\\|" },
-        { L"", L"P\\mine|", L"P\\|P\\mine|", L"P\\x64|" },
-        { L"", L"P\\mine|P\\x32\\|P\\x64\\|", L"P\\|P\\mine|", L"" },
+    const struct
+    {
+        const wchar_t* pszLog;
+        const wchar_t* pszMade;
+        const wchar_t* pszLeft;
+        const wchar_t* pszPending;
+    } cases[] = {
+        { L"", L"", L"", L"-P\\x64" },
+        { L"", L"P\\x64\\a", L"P\\ P\\x64\\ P\\x64\\a", L"-P\\x64" },
+        { L"", L"P\\x32\\|P\\x64\\", L"", L"" },
+        { L"", L"P\\x32\\a", L"P\\ P\\x32\\ P\\x32\\a", L"-P\\x64 -P\\x32 -P\\" },
+        { L"", L"P\\mine|P\\x32\\|P\\x64\\", L"P\\ P\\mine", L"" },
+        // A record is followed to wherever it leads; "." and ".." are matches, and so is the log, busy being read.
+        { L"File Copy: ..\\outside", L"outside", L"", L"-P\\x64" },
+        { L"File Copy: *.*", L"P\\a|P\\Sub\\", L"P\\ P\\Sub\\", L"-P -. -P\\LumUnInst.log -P\\Sub -P\\x64" },
+        { L"Made Dir: ~\\Menu\\Group", L"Menu\\Group\\a", L"Menu\\ Menu\\Group\\ Menu\\Group\\a", L"-P\\x64" },
     };
-    for (const CASE& row : cases)
-        Try(row);
-}
-
-TEST_F(UninstallDriver, RecordIsFollowedToWhereverItLeads)
-{
-    const CASE cases[] = {
-        { L"File Copy: Sub\\?.dll", L"P\\Sub\\a.dll|P\\a.dll|", L"P\\|P\\Sub\\|P\\a.dll|", L"P\\x64|" },
-        // The search finds the file, and the path that is built is another one.
-        { L"File Copy: Sub/*.dll", L"P\\Sub\\a.dll|", L"P\\|P\\Sub\\|P\\Sub\\a.dll|", L"P\\a.dll|P\\x64|" },
-        // "." and ".." are matches; and the log itself, which is busy being read.
-        { L"File Copy: *.*", L"P\\a|P\\Sub\\|", L"P\\|P\\Sub\\|", L"P|.|P\\LumUnInst.log|P\\Sub|P\\x64|" },
-        { L"File Copy: ..\\outside", L"outside|", L"", L"P\\x64|" },
-        { L"File Copy: ~\\outside", L"outside|", L"outside|", L"P\\x64|" },
-        { L"Make Dir: ..\\Outside", L"Outside\\|", L"", L"P\\x64|" },
-        { L"Make Dir: ..\\Outside", L"Outside\\a|", L"Outside\\|Outside\\a|", L"Outside|P\\x64|" },
-        { L"Made Dir: ~\\Menu\\Group", L"Menu\\Group\\|", L"", L"P\\x64|" },
-        { L"Made Dir: ~\\Menu\\Group", L"Menu\\Group\\a|", L"Menu\\|Menu\\Group\\|Menu\\Group\\a|", L"P\\x64|" },
-        { L"Shell Link: ~\\outside", L"outside|", L"", L"P\\x64|" },
-    };
-    for (const CASE& row : cases)
-        Try(row);
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(row.pszLog) + testing::PrintToString(row.pszMade));
+        WriteLog(row.pszLog);
+        Make(row.pszMade);
+        Remove();
+        EXPECT_EQ(TreeText(Folder()), row.pszLeft);
+        EXPECT_EQ(PendingText(Folder()), row.pszPending);
+        for (const std::wstring& strPath : ListTree(Folder()))
+            RemoveTree(At(strPath));
+        ClearPending();
+    }
 }
 
 TEST_F(UninstallDriver, DefaultLinksAndGroupsGoEverywhereEvenIfTheLogIsLost)
@@ -274,16 +186,17 @@ TEST_F(UninstallDriver, DefaultLinksAndGroupsGoEverywhereEvenIfTheLogIsLost)
             WriteBytes(strUser + pszFile, "x");
         SetAttributes(strUser + L"Programs\\Lumacap 8\\mine", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     }
-    Make(L"User\\Programs\\Lumacap 8\\Sub\\mine|");
+    Make(L"User\\Programs\\Lumacap 8\\Sub\\mine");
     SetAttributes(At(L"Desktop\\Lumacap 8.lnk"), FILE_ATTRIBUTE_READONLY);
     Remove();
 
-    EXPECT_EQ(Tree(), L"Desktop\\|Desktop\\Lumacap 8.lnk|"
-                      L"Programs\\|Programs\\Lumacap 7\\|Programs\\Lumacap 7\\Lumacap 8.lnk|"
-                      L"Startup\\|Startup\\Other.lnk|User\\|User\\Desktop\\|"
-                      L"User\\Programs\\|User\\Programs\\Lumacap 7\\|User\\Programs\\Lumacap 7\\Lumacap 8.lnk|"
-                      L"User\\Programs\\Lumacap 8\\|User\\Programs\\Lumacap 8\\Sub\\|"
-                      L"User\\Programs\\Lumacap 8\\Sub\\mine|User\\Startup\\|User\\Startup\\Other.lnk|")
+    EXPECT_EQ(TreeText(Folder()),
+              L"Desktop\\ Desktop\\Lumacap 8.lnk "
+              L"Programs\\ Programs\\Lumacap 7\\ Programs\\Lumacap 7\\Lumacap 8.lnk Startup\\ Startup\\Other.lnk "
+              L"User\\ User\\Desktop\\ "
+              L"User\\Programs\\ User\\Programs\\Lumacap 7\\ User\\Programs\\Lumacap 7\\Lumacap 8.lnk "
+              L"User\\Programs\\Lumacap 8\\ User\\Programs\\Lumacap 8\\Sub\\ "
+              L"User\\Programs\\Lumacap 8\\Sub\\mine User\\Startup\\ User\\Startup\\Other.lnk")
         << "a read-only link stays, and so does a folder below a group, with the group";
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel"));
 }
@@ -323,52 +236,40 @@ TEST_F(UninstallDriver, ProductIsToldToUnregisterInItsOwnFolder)
         });
     Remove();
     SetEnvironmentVariableW(L"LUMACAP_REPORT", nullptr);
-    const std::string strProduct(m_strProduct.begin(), m_strProduct.end());
-    EXPECT_EQ(ReadBytes(At(L"report")), "\"" + strProduct + "\\Lumacap8.exe\" -unregonly\t" + strProduct + "\r\n");
+    EXPECT_EQ(ReadBytes(At(L"report")),
+              Bytes(L"\"" + m_strProduct + L"\\Lumacap8.exe\" -unregonly\t" + m_strProduct + L"\r\n"));
 }
 
 TEST_F(UninstallDriver, HangingProductIsWaitedForFiveSecondsAndLeftToTheBoot)
 {
     CopyOneFile(PackageFolder() + L"\\Lumacap8.exe", m_strProduct + L"\\Lumacap8.exe");
     WriteLog(L"File Copy: Lumacap8.exe");
-    const auto pRun = StartProgram();
-    pRun->AddEnvironment(L"LUMACAP_HANG", L"1");
+    CProcessRun run(SecondStage());
+    run.AddEnvironment(L"LUMACAP_HANG", L"1");
     const ULONGLONG nStart = GetTickCount64();
-    pRun->Start();
-    ASSERT_TRUE(pRun->WaitForEnd());
+    run.Start();
+    ASSERT_TRUE(run.WaitForEnd());
     const ULONGLONG nTaken = GetTickCount64() - nStart;
     EXPECT_TRUE(nTaken >= 6000 && nTaken < 10000) << nTaken << " ms, one second before the first act included";
-    EXPECT_EQ(pRun->FamilyIds().size(), 1u) << "the product was to go on hanging";
-    EXPECT_EQ(Pending(), L"stage.exe|P\\Lumacap8.exe|P\\x64|");
-    pRun->End();
+    EXPECT_EQ(run.FamilyIds().size(), 1u) << "the product was to go on hanging";
+    EXPECT_EQ(PendingText(Folder()), L"-stage.exe -P\\Lumacap8.exe -P\\x64");
+    run.End();
     RestartMachine();
-    EXPECT_EQ(Tree(), L"P\\|") << "the emptied folder isn't on the list";
-}
-
-TEST_F(UninstallDriver, FolderThatIsTheCurrentOneGoes)
-{
-    WriteLog(L"");
-    const auto pRun = StartProgram(m_strProduct);
-    pRun->Start();
-    EXPECT_TRUE(pRun->WaitForFamily());
-    EXPECT_FALSE(IsThere(m_strProduct));
+    EXPECT_EQ(TreeText(Folder()), L"P\\") << "the emptied folder isn't on the list";
 }
 
 TEST_F(UninstallDriver, WithoutThePendingListTheProfileFileTakesOver)
 {
     WriteLog(L"File Copy: busy.dll");
-    Make(L"P\\busy.dll|");
+    Make(L"P\\busy.dll");
     CFileHold hold(At(L"P\\busy.dll"), FILE_SHARE_READ);
     BlockPending();
-    const auto pRun = StartProgram();
-    pRun->Start();
-    ASSERT_TRUE(pRun->WaitForFamily());
-    const std::wstring strProfile =
-        ToCorner(L"[rename]\r\nNUL=~\\stage.exe\r\nNUL=~\\P\\busy.dll\r\nNUL=~\\P\\\\x64\r\n");
-    EXPECT_EQ(PendingProfile(), std::string(strProfile.begin(), strProfile.end()));
+    RunToEnd(SecondStage());
+    EXPECT_EQ(PendingProfile(),
+              Bytes(ToCorner(L"[rename]\r\nNUL=~\\stage.exe\r\nNUL=~\\P\\busy.dll\r\nNUL=~\\P\\\\x64\r\n")));
     hold.Release();
     RestartMachine();
-    EXPECT_EQ(Tree(), L"P\\|");
+    EXPECT_EQ(TreeText(Folder()), L"P\\");
 }
 
 } // namespace
