@@ -3,48 +3,39 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "app/RunState.h"
 #include "tests/support/Corner.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/PendingList.h"
-#include "tests/support/ProcessRun.h"
 
-enum STATE
-{
-    kAbsent,
-    kFree,       // nobody uses it
-    kReadOnly,   // nobody uses it
-    kHidden,     // nobody uses it
-    kBoth,       // nobody uses it; read-only and hidden
-    kImage,      // mapped: can be renamed
-    kHeld,       // held with read sharing: nothing can be done with it
-    kHeldShared, // held with read and write sharing: can be overwritten
-};
+const DWORD kReadOnlyHidden = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
 
-// A file in one of these states; a free one holds its state's text.
+// A file that is absent (-), free (f), read-only and hidden (p), a mapped image, which can be renamed (i), held with
+// read sharing, so that nothing can be done with it (h), or held with write sharing too, so that it can be overwritten
+// (w).
 class CStanding
 {
 public:
-    CStanding(const std::wstring& strPath, STATE nState, const char* pszContent)
+    CStanding(const std::wstring& strPath, char chState, const char* pszContent)
     {
-        if (nState == kImage)
-            m_image = std::make_unique<CImageHold>(strPath);
-        else if (nState != kAbsent)
+        if (chState == 'i')
+            m_image.emplace(strPath);
+        else if (chState != '-')
             WriteBytes(strPath, pszContent);
-        if (nState == kHeld || nState == kHeldShared)
-            m_hold = std::make_unique<CFileHold>(strPath, FILE_SHARE_READ | (nState == kHeld ? 0 : FILE_SHARE_WRITE));
-        if (nState == kReadOnly || nState == kHidden || nState == kBoth)
-            SetAttributes(strPath, (nState != kHidden ? FILE_ATTRIBUTE_READONLY : 0) |
-                                       (nState != kReadOnly ? FILE_ATTRIBUTE_HIDDEN : 0));
+        if (chState == 'h' || chState == 'w')
+            m_hold.emplace(strPath, FILE_SHARE_READ | (chState == 'w' ? FILE_SHARE_WRITE : 0));
+        if (chState == 'p')
+            SetAttributes(strPath, kReadOnlyHidden);
     }
 
 private:
-    std::unique_ptr<CFileHold> m_hold;
-    std::unique_ptr<CImageHold> m_image;
+    std::optional<CFileHold> m_hold;
+    std::optional<CImageHold> m_image;
 };
 
 class FileReplacement : public MachineCorner
@@ -57,9 +48,10 @@ protected:
         MakeFolder(At(L"to"));
     }
 
-    int Replace(const wchar_t* pszName = L"x.e", const wchar_t* pszTargetName = nullptr) const
+    int Replace(const wchar_t* pszName, const wchar_t* pszTargetName = nullptr, const wchar_t* pszFrom = L"from",
+                const wchar_t* pszTo = L"to") const
     {
-        return ReplaceOneFile(pszName, At(L"from").c_str(), At(L"to").c_str(), pszTargetName);
+        return ReplaceOneFile(pszName, At(pszFrom).c_str(), At(pszTo).c_str(), pszTargetName);
     }
 
     // "NAME=CONTENT " for each file of the folder; a program's image shows as "image".
@@ -74,86 +66,64 @@ protected:
         }
         return strFiles;
     }
-
-    std::wstring Pending() const { return PendingText(At(L"to")); }
 };
 
 TEST_F(FileReplacement, TheTargetsSituationDecidesWhatStandsWaitsAndIsReported)
 {
-    const wchar_t* const pszLeft = L"-x.e x.e.new>x.e";
-    const struct
-    {
-        STATE nTarget, nOld, nOld2, nNew;
-        const wchar_t* pszFiles;
-        const wchar_t* pszPending;
-        int nReboot; // -1: untouched
-        bool bResult;
-    } rows[] = {
-        { kAbsent, kAbsent, kAbsent, kAbsent, L"x.e=new ", L"", -1, true },
-        { kFree, kAbsent, kAbsent, kAbsent, L"x.e=new ", L"", -1, true },
-        { kFree, kFree, kFree, kFree, L"x.e=new x.e.new=n x.e.old=o x.e.old2=o2 ", L"", -1, true },
-        { kReadOnly, kAbsent, kAbsent, kAbsent, L"x.e=new ", L"", -1, true },
-        { kHidden, kAbsent, kAbsent, kAbsent, L"x.e=new ", L"", -1, true },
-        { kBoth, kAbsent, kAbsent, kAbsent, L"x.e=new ", L"", -1, true },
-        { kImage, kAbsent, kAbsent, kFree, L"x.e=new x.e.new=n x.e.old=image ", L"-x.e.old", -1, true },
-        { kImage, kFree, kFree, kAbsent, L"x.e=new x.e.old=image x.e.old2=o2 ", L"-x.e.old", -1, true },
-        { kImage, kHeld, kAbsent, kAbsent, L"x.e=new x.e.old=o x.e.old2=image ", L"-x.e.old -x.e.old2", -1, true },
-        { kImage, kReadOnly, kFree, kAbsent, L"x.e=new x.e.old=o x.e.old2=image ", L"-x.e.old -x.e.old2", -1, true },
-        { kImage, kImage, kHeld, kAbsent, L"x.e=image x.e.new=new x.e.old=image x.e.old2=o2 ",
-          L"-x.e.old -x.e x.e.new>x.e", 1, false },
-        { kHeld, kAbsent, kAbsent, kAbsent, L"x.e=t x.e.new=new ", pszLeft, 1, false },
-        { kHeld, kFree, kFree, kFree, L"x.e=t x.e.new=new x.e.old2=o2 ", pszLeft, 1, false },
-        { kHeld, kAbsent, kAbsent, kHeldShared, L"x.e=t x.e.new=new ", pszLeft, 1, false },
-        { kHeld, kAbsent, kAbsent, kHeld, L"x.e=t x.e.new=n ", L"-x.e", -1, false },
-        { kHeldShared, kAbsent, kAbsent, kAbsent, L"x.e=new x.e.new=new ", pszLeft, 1, true },
+    const std::tuple<const char*, const wchar_t*, const wchar_t*, int, bool> rows[] = {
+        // states of x.e, x.e.old, x.e.old2, x.e.new; what stands, what waits, reboot flag if it was touched, result
+        { "----", L"x.e=new ", L"", -1, true },
+        { "ffff", L"x.e=new x.e.new=n x.e.old=o x.e.old2=o2 ", L"", -1, true },
+        { "p---", L"x.e=new ", L"", -1, true },
+        { "ifff", L"x.e=new x.e.new=n x.e.old=image x.e.old2=o2 ", L"-x.e.old", -1, true },
+        { "ih--", L"x.e=new x.e.old=o x.e.old2=image ", L"-x.e.old -x.e.old2", -1, true },
+        { "ipf-", L"x.e=new x.e.old=o x.e.old2=image ", L"-x.e.old -x.e.old2", -1, true },
+        { "iih-", L"x.e=image x.e.new=new x.e.old=image x.e.old2=o2 ", L"-x.e.old -x.e x.e.new>x.e", 1, false },
+        { "hfff", L"x.e=t x.e.new=new x.e.old2=o2 ", L"-x.e x.e.new>x.e", 1, false },
+        { "h--w", L"x.e=t x.e.new=new ", L"-x.e x.e.new>x.e", 1, false },
+        { "h--h", L"x.e=t x.e.new=n ", L"-x.e", -1, false },
+        { "w---", L"x.e=new x.e.new=new ", L"-x.e x.e.new>x.e", 1, true },
     };
-    for (const auto& row : rows)
+    for (const auto& [pszStates, pszFiles, pszPending, nReboot, bResult] : rows)
     {
-        SCOPED_TRACE(&row - rows);
+        SCOPED_TRACE(pszStates);
         {
-            const CStanding target(At(L"to\\x.e"), row.nTarget, "t");
-            const CStanding old(At(L"to\\x.e.old"), row.nOld, "o");
-            const CStanding old2(At(L"to\\x.e.old2"), row.nOld2, "o2");
-            const CStanding left(At(L"to\\x.e.new"), row.nNew, "n");
+            const CStanding target(At(L"to\\x.e"), pszStates[0], "t");
+            const CStanding old(At(L"to\\x.e.old"), pszStates[1], "o");
+            const CStanding old2(At(L"to\\x.e.old2"), pszStates[2], "o2");
+            const CStanding left(At(L"to\\x.e.new"), pszStates[3], "n");
             g_bRebootNeeded = -1;
-            EXPECT_EQ(Replace() != 0, row.bResult);
-            EXPECT_EQ(Files(), row.pszFiles);
-            EXPECT_EQ(Pending(), row.pszPending);
-            EXPECT_EQ(g_bRebootNeeded, row.nReboot);
-            EXPECT_EQ(AttributesOf(At(L"to\\x.e")) & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN), 0u);
+            EXPECT_EQ(Replace(L"x.e") != 0, bResult);
+            EXPECT_EQ(Files(), pszFiles);
+            EXPECT_EQ(PendingText(At(L"to")), pszPending);
+            EXPECT_EQ(g_bRebootNeeded, nReboot);
+            EXPECT_EQ(AttributesOf(At(L"to\\x.e")) & kReadOnlyHidden, 0u);
         }
         RemoveTree(At(L"to"));
         MakeFolder(At(L"to"));
         ClearPending();
     }
-    EXPECT_EQ(Files(L"from"), L"x.e=new ");
 }
 
-TEST_F(FileReplacement, ARunningProgramIsRenamedAndItsSuccessorTakesThePlace)
+TEST_F(FileReplacement, ANewFileLeftBehindIsRemovedBeforeTheNextOneIsWritten)
 {
-    CopyOneFile(L"C:\\windows\\system32\\notepad.exe", At(L"to\\x.e"));
-    CProcessRun program(L"\"" + At(L"to\\x.e") + L"\"");
-    ASSERT_TRUE(program.Start());
-    EXPECT_NE(Replace(), 0);
-    EXPECT_EQ(Files(), L"x.e=new x.e.old=image ");
-    EXPECT_EQ(Pending(), L"-x.e.old");
+    const CStanding target(At(L"to\\x.e"), 'h', "t");
+    WriteBytes(At(L"other"), "of somebody else");
+    ASSERT_TRUE(CreateHardLinkW(At(L"to\\x.e.new").c_str(), At(L"other").c_str(), nullptr));
+    EXPECT_EQ(Replace(L"x.e"), 0);
+    EXPECT_EQ(Files(), L"x.e=t x.e.new=new ");
+    EXPECT_EQ(ReadBytes(At(L"other")), "of somebody else");
 }
 
-TEST_F(FileReplacement, TheNewFileHasTheAttributesOfItsSourceNotOfItsPredecessor)
+TEST_F(FileReplacement, TheNewFileHasTheAttributesOfItsSourceAndAMissingSourceLeavesTheTargetAlone)
 {
-    const CStanding target(At(L"to\\x.e"), kHidden, "t");
+    const CStanding target(At(L"to\\x.e"), 'p', "t");
+    EXPECT_EQ(Replace(L"missing", L"x.e"), 0);
+    EXPECT_EQ(Files(), L"x.e=t ");
+    EXPECT_EQ(AttributesOf(At(L"to\\x.e")) & kReadOnlyHidden, kReadOnlyHidden);
     SetAttributes(At(L"from\\x.e"), FILE_ATTRIBUTE_READONLY);
-    EXPECT_NE(Replace(), 0);
-    EXPECT_EQ(AttributesOf(At(L"to\\x.e")) & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN),
-              DWORD{ FILE_ATTRIBUTE_READONLY });
-}
-
-TEST_F(FileReplacement, AMissingSourceLeavesTheTargetAlone)
-{
-    const CStanding target(At(L"to\\y"), kBoth, "t");
-    EXPECT_EQ(Replace(L"missing", L"y"), 0);
-    EXPECT_EQ(Files(), L"y=t ");
-    EXPECT_EQ(AttributesOf(At(L"to\\y")) & 3, 3u);
+    EXPECT_NE(Replace(L"x.e"), 0);
+    EXPECT_EQ(AttributesOf(At(L"to\\x.e")) & kReadOnlyHidden, DWORD{ FILE_ATTRIBUTE_READONLY });
 }
 
 TEST_F(FileReplacement, NamesMayHoldASubfolderWhichIsNotMade)
@@ -161,80 +131,48 @@ TEST_F(FileReplacement, NamesMayHoldASubfolderWhichIsNotMade)
     WriteBytes(At(L"from\\sub\\y"), "below");
     EXPECT_NE(Replace(L"sub\\y", L"z"), 0);
     EXPECT_EQ(Replace(L"sub\\y"), 0);
-    EXPECT_EQ(Replace(L"x.e", L"sub\\x"), 0);
     EXPECT_EQ(Files(), L"z=below ");
     MakeFolder(At(L"to\\sub"));
-    EXPECT_NE(Replace(L"sub\\y"), 0);
-    EXPECT_NE(ReplaceOneFile(L"x.e", At(L"from/").c_str(), At(L"to\\").c_str(), L"sub\\x"), 0);
-    EXPECT_EQ(Files(), L"sub\\= sub\\x=new sub\\y=below z=below ");
+    EXPECT_NE(Replace(L"x.e", L"sub\\x", L"from/", L"to\\"), 0);
+    EXPECT_EQ(Files(), L"sub\\= sub\\x=new z=below ");
 }
 
 TEST_F(FileReplacement, WithinOneFolderAFileWithoutANewNameIsInPlaceEvenIfItIsMissing)
 {
-    const std::wstring strFolder = At(L"from");
-    EXPECT_NE(ReplaceOneFile(L"x.e", strFolder.c_str(), At(L"FROM\\").c_str(), nullptr), 0);
-    EXPECT_NE(ReplaceOneFile(L"missing", At(L"FROM\\").c_str(), strFolder.c_str(), nullptr), 0);
+    EXPECT_NE(Replace(L"x.e", nullptr, L"from", L"FROM\\"), 0);
+    EXPECT_NE(Replace(L"missing", nullptr, L"FROM\\", L"from"), 0);
     EXPECT_EQ(Files(L"from"), L"x.e=new ");
 
     // Only the texts are compared: told with a slash, the folder isn't known for the same, and the file is lost.
-    EXPECT_EQ(ReplaceOneFile(L"x.e", strFolder.c_str(), At(L"from/").c_str(), nullptr), 0);
+    EXPECT_EQ(Replace(L"x.e", nullptr, L"from", L"from/"), 0);
     EXPECT_EQ(Files(L"from"), L"");
 }
 
 // Here a target that can't be deleted, also one that is only read-only, is left as it is and counts as made.
 TEST_F(FileReplacement, WithinOneFolderATargetThatCantBeDeletedCountsAsMade)
 {
-    const std::pair<STATE, const wchar_t*> rows[] = {
-        { kAbsent, L"x.e=new y.e=new " },   { kFree, L"x.e=new y.e=new " },    { kHidden, L"x.e=new y.e=new " },
-        { kReadOnly, L"x.e=new y.e=t " },   { kBoth, L"x.e=new y.e=t " },      { kHeld, L"x.e=new y.e=t " },
-        { kHeldShared, L"x.e=new y.e=t " }, { kImage, L"x.e=new y.e=image " },
-    };
-    for (const auto& [nTarget, pszFiles] : rows)
+    const std::pair<char, const wchar_t*> rows[] = { { '-', L"new" }, { 'f', L"new" }, { 'p', L"t" },
+                                                     { 'h', L"t" },   { 'w', L"t" },   { 'i', L"image" } };
+    for (const auto& [chState, pszContent] : rows)
     {
         {
-            const CStanding target(At(L"from\\y.e"), nTarget, "t");
-            EXPECT_NE(ReplaceOneFile(L"x.e", At(L"from").c_str(), At(L"From\\").c_str(), L"y.e"), 0) << nTarget;
-            EXPECT_EQ(Files(L"from"), pszFiles);
+            const CStanding target(At(L"from\\y.e"), chState, "t");
+            EXPECT_NE(Replace(L"x.e", L"y.e", L"from", L"From\\"), 0) << chState;
+            EXPECT_EQ(Files(L"from"), L"x.e=new y.e=" + std::wstring(pszContent) + L" ");
         }
         RemoveTree(At(L"from\\y.e"));
     }
-    EXPECT_EQ(Pending(), L"");
-    EXPECT_EQ(ReplaceOneFile(L"missing", At(L"from").c_str(), At(L"from").c_str(), L"x.e"), 0);
-    EXPECT_EQ(Files(L"from"), L"x.e=new ");
+    EXPECT_EQ(PendingText(At(L"from")), L"");
 }
 
 TEST_F(FileReplacement, WithinOneFolderASourceThatGoesMeanwhileLeavesTheWordToTheTarget)
 {
-    for (const bool bTarget : { false, true })
+    for (const char chState : { '-', 'f' })
     {
         CCallHook access("msvcrt.dll", "_waccess", &_waccess);
         access.FailOnly(2, ERROR_FILE_NOT_FOUND, -1);
-        const CStanding target(At(L"from\\y"), bTarget ? kFree : kAbsent, "t");
-        EXPECT_EQ(ReplaceOneFile(L"x.e", At(L"from").c_str(), At(L"from").c_str(), L"y") != 0, bTarget);
-        EXPECT_EQ(Files(L"from"), bTarget ? L"x.e=new y=t " : L"x.e=new ");
+        const CStanding target(At(L"from\\y.e"), chState, "t");
+        EXPECT_EQ(Replace(L"x.e", L"y.e", L"from", L"from") != 0, chState == 'f');
+        EXPECT_EQ(Files(L"from"), chState == 'f' ? L"x.e=new y.e=t " : L"x.e=new ");
     }
-}
-
-TEST_F(FileReplacement, AFolderInTheTargetsPlaceIsLeftToTheBootIfItCantBeRenamed)
-{
-    MakeFolder(At(L"to\\x.e"));
-    CCallHook move("KERNEL32.dll", "MoveFileW", &MoveFileW);
-    move.FailAll(ERROR_ACCESS_DENIED);
-    EXPECT_EQ(Replace(), 0);
-    EXPECT_EQ(Files(), L"x.e.new=new x.e\\= ");
-    EXPECT_EQ(Pending(), L"-x.e x.e.new>x.e");
-}
-
-// The flag holds the outcome of the last request, not that of any.
-TEST_F(FileReplacement, AReplacementThatCantBeLeftForTheBootClearsAnEarlierRequest)
-{
-    const CStanding first(At(L"to\\x.e"), kHeld, "t");
-    const CStanding second(At(L"to\\y"), kHeld, "t");
-    EXPECT_EQ(Replace(), 0);
-    EXPECT_NE(g_bRebootNeeded, 0);
-    BlockPending();
-    MakeFolder(PendingProfilePath());
-    EXPECT_EQ(Replace(L"x.e", L"y"), 0);
-    EXPECT_EQ(g_bRebootNeeded, 0);
-    EXPECT_EQ(Files(), L"x.e=t x.e.new=new y=t y.new=new ");
 }
