@@ -85,8 +85,8 @@ template <typename Function>
 class CCallHook
 {
 public:
-    // The third argument gives the signature; the call that is diverted is the named one.
-    CCallHook(const char* pszDll, const char* pszFunction, Function)
+    // The third argument only gives the signature, where the type doesn't; the call that is diverted is the named one.
+    CCallHook(const char* pszDll, const char* pszFunction, Function = nullptr)
         : m_nListener(Listeners::Enter(MakeListener(static_cast<Function>(nullptr)))),
           m_hook(pszDll, pszFunction, Listeners::EntryOf(m_nListener))
     {
