@@ -91,7 +91,8 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
     AddWindow(kSelf);
     AddWindow(kFirst);
     const auto openMutex = [this](const wchar_t* pszKind)
-    { return OpenMutexW(MUTEX_ALL_ACCESS, FALSE, (L"Local\\COXInstanceManager_" + pszKind + m_strName).c_str()); };
+    { return OpenMutexW(MUTEX_ALL_ACCESS, FALSE, (L"Local\\COXInstanceManager_" + (pszKind + m_strName)).c_str()); };
+    const void* pAdditional;
     {
         COXInstanceManager first(m_strName.c_str(), 1024, true);
         CSharedList list(m_strName);
@@ -101,7 +102,7 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
         EXPECT_TRUE(m_told.empty() && !first.HasOtherInstances()) << "there is nobody to tell";
         const CHandleOwner listMutex(openMutex(L"InstanceList_Mutex_"));
         const CHandleOwner additionalMutex(openMutex(L"Additional_Mutex_"));
-        EXPECT_NE(first.GetAdditionalData(), nullptr);
+        pAdditional = first.GetAdditionalData();
         first.GetAdditionalDataMutex().Lock();
         EXPECT_TRUE(ReleaseMutex(additionalMutex)) << "it is this thread's";
         EXPECT_TRUE(listMutex.IsOpen() && !ReleaseMutex(listMutex));
@@ -119,6 +120,9 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
         EXPECT_EQ(Told(1947, kSelf), (IDS{ kFirst, 0 }));
     }
     EXPECT_FALSE(CSharedList(m_strName).IsThere());
+    MEMORY_BASIC_INFORMATION memory = {};
+    VirtualQuery(pAdditional, &memory, sizeof memory);
+    EXPECT_EQ(memory.State, static_cast<DWORD>(MEM_FREE));
     EXPECT_EQ(openMutex(L"InstanceList_Mutex_"), nullptr);
     EXPECT_EQ(openMutex(L"Additional_Mutex_"), nullptr);
 }

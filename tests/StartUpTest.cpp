@@ -81,7 +81,7 @@ protected:
             [this](HMODULE, LPWSTR pszPath, DWORD cch)
             { return wcsncpy(pszPath, m_strModule.c_str(), cch), static_cast<DWORD>(m_strModule.size()); });
         m_browse.Replace([](auto...) -> HINSTANCE { throw INSTALLS; });
-        m_tempName.Replace([](auto...) -> UINT { throw RELAUNCHES; });
+        m_tempName.FailAll(ERROR_ACCESS_DENIED);
         m_sleep.Replace(
             [this](DWORD nTime)
             {
@@ -122,6 +122,7 @@ protected:
         arguments.insert(arguments.begin(), strModule);
         const CArguments commandLine(arguments);
         m_bRuns = true;
+        s_bRelaunches = false;
         try
         {
             EXPECT_EQ(theApp.InitInstance(), strModule == kSetup) << "an install that was turned down";
@@ -130,14 +131,17 @@ protected:
         {
             return end;
         }
-        return RETURNED;
+        return s_bRelaunches ? RELAUNCHES : RETURNED;
     }
+
+    static intptr_t Relaunch() { return s_bRelaunches = true, -1; }
 
     void Act(const wchar_t* pszVerb, INT_PTR nObject)
     {
         m_strActs += pszVerb + (L" " + std::to_wstring(nObject)) + L", ";
     }
 
+    static inline bool s_bRelaunches = false;
     std::wstring m_strModule;
     bool m_bRuns = false;
     std::wstring m_strActs; // what was done to other processes
@@ -153,6 +157,7 @@ protected:
     CCallHook<decltype(&PostMessageW)> m_post{ "USER32.dll", "PostMessageW" };
     CCallHook<decltype(&OpenProcess)> m_open{ "KERNEL32.dll", "OpenProcess" };
     CCallHook<decltype(&TerminateProcess)> m_terminate{ "KERNEL32.dll", "TerminateProcess" };
+    CImportHook m_relaunch{ "msvcrt.dll", "_wexecl", &Relaunch };
 };
 
 // The built program in a folder of its own, without a package: it gets as far as the look at the package.
@@ -188,7 +193,8 @@ TEST_F(StartUp, RoleAndSilentModeComeFromTheArgumentsAndTheWholePath)
         { kSetup, { L"-s", L"-v" }, INSTALLS, 0 },
         { kSetup, { L"-s", L"-SConf" }, INSTALLS, 2 },
         { kSetup, { L"-sconf", L"-v" }, INSTALLS, 2 },
-        { kSetup, { L"-silent", L"-delself" }, INSTALLS, 0 },
+        { kSetup, { L"-silent" }, INSTALLS, 0 },
+        { kSetup, { L"-delself" }, INSTALLS, 0 },
         { kSetup, { L"-sfxname=c:\\pkg\\setup.exe", L"-v" }, INSTALLS, 0, L"c:\\pkg" },
         { kSetup, { L"-v", L"-sfxname=c:\\pkg\\setup.exe" }, INSTALLS, 0 },
         { kSetup, { L"-sconf", L"-sfxname=c:\\pkg\\setup.exe" }, INSTALLS, 2 },
