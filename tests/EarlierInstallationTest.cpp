@@ -11,15 +11,9 @@
 class EarlierInstallation : public InstallCorner
 {
 protected:
-    void SetUp() override
+    std::wstring Group(int nKind = KIND_ALL_USERS) const
     {
-        InstallCorner::SetUp();
         g_strInstDir = At(L"target").c_str();
-        MakeFolder(At(L"target"));
-    }
-
-    static std::wstring Group(int nKind)
-    {
         g_nInstallKind = nKind;
         g_strGroup = L"unchanged";
         TakeOverGroup();
@@ -31,57 +25,37 @@ protected:
 
 TEST_F(EarlierInstallation, FolderComesFromTheProductKeyOrElseFromTheApplicationPath)
 {
-    const struct
-    {
-        const wchar_t* pszPath;    // null: no such value
-        const wchar_t* pszAppPath; // the same
-        const wchar_t* pszFolder;
-    } kCases[] = { { nullptr, nullptr, L"" },
-                   { L"C:\\A", L"C:\\B\\Lumacap8.exe", L"C:\\A" },
-                   { L"C:\\A\\", nullptr, L"C:\\A" },
-                   { L"C:\\A\\\\", nullptr, L"C:\\A\\" },
-                   { L"\\", L"C:\\B\\Lumacap8.exe", L"" }, // cut only once the second source has been passed over
-                   { L"", L"C:\\B\\Lumacap8.exe", L"C:\\B" },
-                   { nullptr, L"C:\\B\\\\Lumacap8.exe", L"C:\\B" },
-                   { nullptr, L"C:\\B\\Lumacap8.exe\\C\\Lumacap8.exe", L"C:\\B" },
-                   { nullptr, L"\"C:\\B\\Lumacap8.exe\"", L"\"C:\\B" },
-                   { nullptr, L"C:\\B\\lumacap8.exe", L"" },
-                   { nullptr, L"C:\\B", L"" } };
+    const wchar_t* const kCases[][3] = {
+        // path, application path, folder
+        { L"C:\\A", L"C:\\B\\Lumacap8.exe", L"C:\\A" },  { L"C:\\A\\\\", L"", L"C:\\A\\" },
+        { L"\\", L"C:\\B\\Lumacap8.exe", L"" }, // cut only once the second source has been passed over
+        { L"", L"C:\\B\\\\Lumacap8.exe", L"C:\\B" },     { L"", L"C:\\B\\Lumacap8.exe\\C\\Lumacap8.exe", L"C:\\B" },
+        { L"", L"\"C:\\B\\Lumacap8.exe\"", L"\"C:\\B" }, { L"", L"C:\\B\\lumacap8.exe", L"" }
+    };
+    EXPECT_STREQ(FindInstalledFolder(), L"");
     for (const auto& row : kCases)
     {
-        RemoveKey(HKEY_LOCAL_MACHINE, kProductKey);
-        RemoveKey(HKEY_LOCAL_MACHINE, kAppPathsKey);
-        if (row.pszPath != nullptr)
-            SetKeyText(HKEY_LOCAL_MACHINE, kProductKey, L"Path", row.pszPath);
-        if (row.pszAppPath != nullptr)
-            SetKeyText(HKEY_LOCAL_MACHINE, kAppPathsKey, L"", row.pszAppPath);
-        EXPECT_STREQ(FindInstalledFolder(), row.pszFolder);
+        SetKeyText(HKEY_LOCAL_MACHINE, kProductKey, L"Path", row[0]);
+        SetKeyText(HKEY_LOCAL_MACHINE, kAppPathsKey, L"", row[1]);
+        EXPECT_STREQ(FindInstalledFolder(), row[2]);
     }
 }
 
 TEST_F(EarlierInstallation, KindIsForAllUsersByTheLetterBAloneAndPortableStays)
 {
-    const struct
-    {
-        int nKind;
-        const wchar_t* pszValue;
-        int nExpected;
-    } kCases[] = { { KIND_ALL_USERS, L"A", KIND_CURRENT_USER },  { KIND_ALL_USERS, L"b", KIND_CURRENT_USER },
-                   { KIND_ALL_USERS, L"BB", KIND_CURRENT_USER }, { KIND_CURRENT_USER, L"B", KIND_ALL_USERS },
-                   { KIND_ALL_USERS, L"B", KIND_ALL_USERS },     { KIND_PORTABLE, L"B", KIND_PORTABLE } };
     TakeOverKind();
     EXPECT_EQ(g_nInstallKind, KIND_CURRENT_USER) << "without the value";
-    for (const auto& row : kCases)
-    {
-        SetKeyText(HKEY_LOCAL_MACHINE, kProductKey, L"AllUsers", row.pszValue);
-        g_nInstallKind = row.nKind;
-        TakeOverKind();
-        EXPECT_EQ(g_nInstallKind, row.nExpected) << Bytes(row.pszValue);
-    }
+    for (const wchar_t* pszValue : { L"A", L"b", L"BB", L"B" })
+        for (const int nKind : { KIND_ALL_USERS, KIND_CURRENT_USER, KIND_PORTABLE })
+        {
+            SetKeyText(HKEY_LOCAL_MACHINE, kProductKey, L"AllUsers", pszValue);
+            g_nInstallKind = nKind;
+            TakeOverKind();
+            const int nExpected = wcscmp(pszValue, L"B") == 0 ? KIND_ALL_USERS : KIND_CURRENT_USER;
+            EXPECT_EQ(g_nInstallKind, nKind == KIND_PORTABLE ? nKind : nExpected) << Bytes(pszValue);
+        }
 }
 
-// In the values of the links @ stands for the machine's Programs folder, # for the user's, ^ for the machine's in upper
-// case.
 TEST_F(EarlierInstallation, LastLinkInTheProgramsFolderOutsideStartupGivesTheGroup)
 {
     const struct
@@ -89,59 +63,42 @@ TEST_F(EarlierInstallation, LastLinkInTheProgramsFolderOutsideStartupGivesTheGro
         const wchar_t* pszLinks;
         const wchar_t* pszGroup;
         int nKind = KIND_ALL_USERS;
-    } kCases[] = { { L"@\\One\\x.lnk|@\\Two\\y.lnk", L"Two" },
-                   { L"@\\One\\x.lnk|C:\\Desktop\\x.lnk", L"One" },
-                   { L"@\\One\\x.lnk|@\\StartUP\\x.lnk", L"One" },
-                   { L"@\\Startup tools\\x.lnk", L"unchanged" }, // begins as the Startup folder does
-                   { L"@\\Tools\\Img\\Sub\\x.lnk", L"Tools\\Img\\Sub" },
-                   { L"@\\One\\x.lnk|@\\x.lnk", L"" },
-                   { L"^\\MiXed\\X.LNK \t ", L"MiXed" },
-                   { L"@s\\One\\x.lnk|#\\One\\x.lnk| @\\One\\x.lnk", L"unchanged" },
-                   { L"@\\One\\x.lnk|#\\Two\\x.lnk|@\\Three\\x.lnk", L"Two", KIND_CURRENT_USER },
-                   { L"#\\Startup\\x.lnk", L"unchanged", KIND_CURRENT_USER },
-                   { L"@\\One\\x.lnk|#\\Two\\x.lnk|\\Three\\x.lnk", L"unchanged", KIND_PORTABLE } };
-    std::wstring strUpper = OfAll(L"Programs");
-    CharUpperW(&strUpper[0]);
+    } kCases[] = { { L"all\\Programs\\One\\x.lnk|all\\Programs\\Two\\y.lnk", L"Two" },
+                   { L"all\\Programs\\One\\x.lnk|all\\Desktop\\x.lnk|all\\Programs\\StartUP\\x.lnk", L"One" },
+                   { L"all\\Programs\\Startup tools\\x.lnk", L"unchanged" }, // begins as the Startup folder does
+                   { L"all\\Programs\\Tools\\Img\\Sub\\x.lnk", L"Tools\\Img\\Sub" },
+                   { L"all\\Programs\\One\\x.lnk|all\\Programs\\x.lnk", L"" },
+                   { L"ALL\\programs\\MiXed\\X.LNK \t ", L"MiXed" },
+                   { L"all\\Programss\\One\\x.lnk|user\\Programs\\One\\x.lnk", L"unchanged" },
+                   { L"all\\Programs\\One\\x.lnk|user\\Programs\\Two\\x.lnk", L"Two", KIND_CURRENT_USER },
+                   { L"user\\Programs\\Startup\\x.lnk", L"unchanged", KIND_CURRENT_USER },
+                   { L"all\\Programs\\One\\x.lnk|user\\Programs\\Two\\x.lnk", L"unchanged", KIND_PORTABLE } };
+    MakeFolder(At(L"target"));
+    EXPECT_EQ(Group(), L"unchanged") << "without a log";
+    WriteBytes(At(L"target\\install.log"), LogOf("", L"", L"all\\Programs\\Second\\x.lnk"));
+    EXPECT_EQ(Group(), L"Second");
     for (const auto& row : kCases)
     {
-        std::wstring strLog = L"shell link: @\\Small\\x.lnk\r\n";
-        for (const std::wstring& strLink : Split(row.pszLinks, L'|'))
-            strLog += L"Shell Link: " + strLink + L"\r\nMade Dir: @\\Made\\x\r\n";
-        const std::wstring folders[] = { OfAll(L"Programs"), OfUser(L"Programs"), strUpper };
-        for (int i = 0; i < 3; i++)
-            for (size_t n; (n = strLog.find(L"@#^"[i])) != std::wstring::npos;)
-                strLog.replace(n, 1, folders[i]);
-        WriteBytes(At(L"target\\LumUnInst.log"), Bytes(strLog));
+        WriteBytes(At(L"target\\LumUnInst.log"), LogOf("shell link: " + Bytes(OfAll(L"Programs\\Small\\x.lnk")),
+                                                       L"all\\Programs\\Made\\x", row.pszLinks));
         EXPECT_EQ(Group(row.nKind), row.pszGroup) << Bytes(row.pszLinks) << " kind " << row.nKind;
     }
-}
-
-TEST_F(EarlierInstallation, SecondListIsReadOnlyWhereTheFirstIsMissing)
-{
-    EXPECT_EQ(Group(KIND_ALL_USERS), L"unchanged");
-    WriteBytes(At(L"target\\install.log"), "Shell Link: " + Bytes(OfAll(L"Programs\\Second\\x.lnk")));
-    EXPECT_EQ(Group(KIND_ALL_USERS), L"Second");
-    WriteBytes(At(L"target\\LumUnInst.log"), "");
-    EXPECT_EQ(Group(KIND_ALL_USERS), L"unchanged");
 }
 
 TEST_F(EarlierInstallation, AutoStartIsWhatTheLinksSayAndTheProbeLeavesNothing)
 {
     CCallHook probe("KERNEL32.dll", "GetTempFileNameW", &GetTempFileNameW);
-    for (int nCase = 0; nCase < 4; nCase++)
+    for (const std::wstring strLinks : { L"", L"all\\", L"user\\", L"all\\|user\\" })
     {
         EmptyFolders();
-        if (nCase & 1)
-            WriteBytes(OfAll(m_strStartupLink), "");
-        if (nCase & 2)
-            WriteBytes(OfUser(m_strStartupLink), "");
-        const std::wstring strLinks = Links();
-        g_bAutoStart = nCase == 0;
+        for (const std::wstring& strRoot : Split(strLinks, L'|'))
+            WriteBytes(At(strRoot + m_strStartupLink), "");
+        const size_t nBefore = ListTree(Folder()).size();
+        g_bAutoStart = strLinks.empty();
         TakeOverAutoStart();
-        EXPECT_EQ(g_bAutoStart, nCase != 0);
-        EXPECT_EQ(ListTree(At(L"all")).size() + ListTree(At(L"user")).size(), 6 + Split(strLinks, L'|').size());
+        EXPECT_EQ(g_bAutoStart, !strLinks.empty());
+        EXPECT_EQ(ListTree(Folder()).size(), nBefore);
     }
-    EXPECT_EQ(probe.Calls(), 4);
     EXPECT_EQ(probe.Texts()[0] + L" " + probe.Texts()[1], OfAll(L"Programs\\Startup h5t"));
 }
 
@@ -158,12 +115,15 @@ TEST_F(EarlierInstallation, ProbeThatCannotBeOpenedStaysAndDecidesNothing)
 TEST_F(EarlierInstallation, StartupFolderOfFourCharactersIsNotLookedAt)
 {
     for (const std::wstring strFolder : { L"C:\\s", L"C:\\st" })
-    {
-        CCallHook folder("SHELL32.dll", "SHGetFolderPathW", &SHGetFolderPathW);
-        folder.Replace([&](HWND, int, HANDLE, DWORD, LPWSTR psz) { return wcscpy(psz, strFolder.c_str()), S_OK; });
-        WriteBytes(strFolder + L"\\Lumacap 8.lnk", "");
-        TakeOverAutoStart();
-        EXPECT_EQ(g_bAutoStart, strFolder == L"C:\\st");
-        RemoveTree(strFolder);
-    }
+        for (const int nFolder : { CSIDL_COMMON_STARTUP, CSIDL_STARTUP })
+        {
+            CCallHook folder("SHELL32.dll", "SHGetFolderPathW", &SHGetFolderPathW);
+            folder.Replace([&](HWND, int n, HANDLE, DWORD, LPWSTR psz)
+                           { return wcscpy(psz, (n & 0xFF) == nFolder ? strFolder.c_str() : L"C:\\"), S_OK; });
+            WriteBytes(strFolder + L"\\Lumacap 8.lnk", "");
+            g_bAutoStart = 1;
+            TakeOverAutoStart();
+            EXPECT_EQ(g_bAutoStart, strFolder == L"C:\\st");
+            RemoveTree(strFolder);
+        }
 }

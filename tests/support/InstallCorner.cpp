@@ -17,22 +17,8 @@ CLaunchRecorder::CLaunchRecorder() : m_hook("KERNEL32.dll", "CreateProcessW", &C
         });
 }
 
-CProgramFiles::CProgramFiles(const wchar_t* pszFolder)
-    : m_strEarlier(KeyText(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir"))
-{
-    if (pszFolder != nullptr)
-        SetKeyText(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir", pszFolder);
-    else
-        RemoveValue(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir");
-}
-
-CProgramFiles::~CProgramFiles()
-{
-    SetKeyText(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir", m_strEarlier);
-}
-
 InstallCorner::InstallCorner()
-    : m_programFiles(At(L"Program Files").c_str()), m_folders{
+    : m_strProgramFiles(KeyText(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir")), m_folders{
           { HKEY_LOCAL_MACHINE, L"Common Programs", OfAll(L"Programs") },
           { HKEY_LOCAL_MACHINE, L"Common Startup", OfAll(L"Programs\\Startup") },
           { HKEY_LOCAL_MACHINE, L"Common Desktop", OfAll(L"Desktop") },
@@ -43,6 +29,20 @@ InstallCorner::InstallCorner()
 {
     EmptyFolders();
     m_registry.ClearProduct();
+    MoveProgramFiles(At(L"Program Files").c_str());
+}
+
+InstallCorner::~InstallCorner()
+{
+    MoveProgramFiles(m_strProgramFiles.c_str());
+}
+
+void InstallCorner::MoveProgramFiles(const wchar_t* pszFolder)
+{
+    if (pszFolder != nullptr)
+        SetKeyText(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir", pszFolder);
+    else
+        RemoveValue(HKEY_LOCAL_MACHINE, kWindowsKey, L"ProgramFilesDir");
 }
 
 void InstallCorner::EmptyFolders() const
@@ -58,10 +58,9 @@ void InstallCorner::EmptyFolders() const
 std::wstring InstallCorner::Links() const
 {
     std::vector<std::wstring> links;
-    for (const wchar_t* pszRoot : { L"all", L"user" })
-        for (const std::wstring& strPath : ListTree(At(pszRoot)))
-            if (strPath.find(L".lnk") != std::wstring::npos)
-                links.push_back(pszRoot + (L"\\" + strPath));
+    for (const std::wstring& strPath : ListTree(Folder()))
+        if (strPath.find(L".lnk") != std::wstring::npos)
+            links.push_back(strPath);
     return Join(links);
 }
 
@@ -91,9 +90,4 @@ std::vector<std::wstring> Split(const std::wstring& strText, wchar_t chSeparator
         parts.push_back(strText.substr(nStart, nEnd == std::wstring::npos ? nEnd : nEnd - nStart));
     }
     return parts;
-}
-
-std::string Bytes(const std::wstring& strText)
-{
-    return std::string(strText.begin(), strText.end());
 }

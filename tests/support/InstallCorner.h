@@ -21,36 +21,28 @@ private:
     CCallHook<decltype(&CreateProcessW)> m_hook;
 };
 
-// Moves the folder that programs are installed below; null takes its setting away.
-class CProgramFiles
-{
-public:
-    explicit CProgramFiles(const wchar_t* pszFolder);
-    ~CProgramFiles();
-    CProgramFiles(const CProgramFiles&) = delete;
-    CProgramFiles& operator=(const CProgramFiles&) = delete;
-
-private:
-    std::wstring m_strEarlier;
-};
-
 class InstallCorner : public MachineCorner
 {
 protected:
     InstallCorner();
+    ~InstallCorner() override;
+
+    // Moves the folder that programs are installed below, "Program Files" in the corner at first; null takes its
+    // setting away.
+    static void MoveProgramFiles(const wchar_t* pszFolder);
 
     // Below the machine's and the user's folders, which lie side by side: "Programs", "Programs\\Startup", "Desktop".
     std::wstring OfAll(const std::wstring& strRelative) const { return At(L"all\\" + strRelative); }
     std::wstring OfUser(const std::wstring& strRelative) const { return At(L"user\\" + strRelative); }
     void EmptyFolders() const;  // these
-    std::wstring Links() const; // the link files in them, sorted: "all\\Desktop\\Lumacap 8.lnk|user\\..."
+    std::wstring Links() const; // the link files in the corner, sorted: "all\\Desktop\\Lumacap 8.lnk|user\\..."
 
     // The log of an install by that list, which made this group folder and these links, parted by |, in the corner.
     std::string LogOf(const std::string& strList, const std::wstring& strGroup, const std::wstring& strLinks) const;
 
 private:
     CRegistryCorner m_registry;
-    CProgramFiles m_programFiles; // "Program Files" in the corner
+    const std::wstring m_strProgramFiles; // the machine's own
     CFolderRedirection m_folders[6];
 };
 
@@ -58,4 +50,7 @@ std::wstring Join(const std::vector<std::wstring>& texts);                      
 std::vector<std::wstring> Split(const std::wstring& strText, wchar_t chSeparator); // none of an empty text
 
 // Characters as the program's text files hold them: one byte each.
-std::string Bytes(const std::wstring& strText);
+inline std::string Bytes(const std::wstring& strText)
+{
+    return std::string(strText.begin(), strText.end());
+}
