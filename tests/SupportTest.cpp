@@ -1,26 +1,18 @@
 // The subtle tools of the tests: those whose silent failure would make other tests pass.
 #include <gtest/gtest.h>
 
-#include "tests/support/BoxDriver.h"
 #include "tests/support/Corner.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/Machine.h"
 #include "tests/support/MachineState.h"
-#include "tests/support/PendingList.h"
 #include "tests/support/ProcessRun.h"
 #include "tests/support/RegistryCorner.h"
 
 using SupportTools = MachineCorner;
 
-// Calls that a hook meets stand in functions of their own, as the program's do.
+// A call that a hook meets stands in a function of its own, as the program's do.
 __attribute__((noinline)) static BOOL RemoveOneFile(const std::wstring& strPath)
 {
     return DeleteFileW(strPath.c_str());
-}
-
-__attribute__((noinline)) static int ShowBox(const wchar_t* pszText, UINT nStyle)
-{
-    return MessageBoxW(nullptr, pszText, L"Caption", nStyle);
 }
 
 TEST_F(SupportTools, HookFailsTheChosenCallsOfItsFunctionAndIsGoneAfterwards)
@@ -42,35 +34,6 @@ TEST_F(SupportTools, HookFailsTheChosenCallsOfItsFunctionAndIsGoneAfterwards)
     EXPECT_TRUE(RemoveOneFile(At(L"b")));
 }
 
-TEST_F(SupportTools, HeldFilesRefuseWhatTheirHolderRefuses)
-{
-    WriteBytes(At(L"read"), "1");
-    WriteBytes(At(L"write"), "1");
-    WriteBytes(At(L"new"), "22");
-    CFileHold readOnly(At(L"read"), FILE_SHARE_READ);
-    CFileHold readWrite(At(L"write"), FILE_SHARE_READ | FILE_SHARE_WRITE);
-    CImageHold image(At(L"image.exe"));
-    const auto overwrite = [&](const wchar_t* pszName)
-    { return CopyFileW(At(L"new").c_str(), At(pszName).c_str(), 0); };
-    EXPECT_FALSE(overwrite(L"read"));
-    EXPECT_TRUE(overwrite(L"write"));
-    EXPECT_FALSE(overwrite(L"image.exe"));
-    EXPECT_FALSE(DeleteFileW(At(L"image.exe").c_str()));
-    EXPECT_FALSE(MoveFileW(At(L"write").c_str(), At(L"moved").c_str()));
-    EXPECT_TRUE(MoveFileW(At(L"image.exe").c_str(), At(L"moved").c_str()));
-}
-
-TEST_F(SupportTools, RestartWorksThroughListAndProfile)
-{
-    for (const wchar_t* pszName : { L"gone", L"from", L"to", L"byprofile" })
-        WriteBytes(At(pszName), "x");
-    MoveFileExW(At(L"gone").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
-    MoveFileExW(At(L"from").c_str(), At(L"to").c_str(), MOVEFILE_DELAY_UNTIL_REBOOT | MOVEFILE_REPLACE_EXISTING);
-    WritePrivateProfileStringW(L"rename", L"NUL", At(L"byprofile").c_str(), PendingProfilePath().c_str());
-    RestartMachine();
-    EXPECT_EQ(TreeText(Folder()), L"to");
-}
-
 TEST_F(SupportTools, RegistryCornerPutsBackContentAndAbsence)
 {
     const std::wstring strKey = L"Software\\SupportTest";
@@ -88,21 +51,6 @@ TEST_F(SupportTools, RegistryCornerPutsBackContentAndAbsence)
     }
     EXPECT_EQ(FlattenKey(HKEY_CURRENT_USER, strKey, L"K"), before);
     RemoveKey(HKEY_CURRENT_USER, strKey);
-}
-
-TEST_F(SupportTools, BoxIsReadAsShown)
-{
-    for (const bool bSecond : { true, false })
-    {
-        BOX box;
-        std::thread answer([&] { box = ExpectBox(GetCurrentProcessId(), IDNO); });
-        EXPECT_EQ(ShowBox(L"First\n\nSecond", MB_YESNO | (bSecond ? MB_ICONERROR | MB_DEFBUTTON2 : 0)), IDNO);
-        answer.join();
-        EXPECT_EQ(box.strCaption, L"Caption");
-        EXPECT_EQ(box.strText, L"First\n\nSecond");
-        EXPECT_EQ(box.buttons, (std::vector<int>{ IDYES, IDNO }));
-        EXPECT_EQ(box.nDefault, bSecond ? IDNO : IDYES);
-    }
 }
 
 TEST_F(SupportTools, RunWaitsForItsSuccessorsAndTakesThemWithIt)

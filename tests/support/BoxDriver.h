@@ -1,11 +1,10 @@
-// Message boxes: the shown ones of another process, found and answered as a user does, and this process's own, which
+// Windows and message boxes of another process, found and answered as a user does, and this process's own boxes, which
 // are recorded and answered without a window.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,10 +16,12 @@ struct BOX
     HWND hWnd = nullptr;
     std::wstring strCaption;
     std::wstring strText;
-    UINT nIcon = 0;           // MB_ICONERROR, MB_ICONQUESTION, MB_ICONEXCLAMATION, MB_ICONINFORMATION or 0
     std::vector<int> buttons; // command ids, ascending
     int nDefault = 0;         // command id of the default button
 };
+
+// Waits for a visible top-level window of the process whose caption begins with the text. Fails the test if none came.
+HWND ExpectWindow(DWORD nProcessId, const std::wstring& strCaptionPrefix);
 
 // Finds the message box that the process shows, within the time. False if none came.
 bool FindBox(DWORD nProcessId, BOX& box, DWORD nMilliseconds = kPatience);
@@ -30,24 +31,6 @@ bool AnswerBox(const BOX& box, int nCommand);
 
 // Both: the box as it was. Fails the test if none came.
 BOX ExpectBox(DWORD nProcessId, int nCommand);
-
-// True if the process shows no box now.
-bool ShowsNoBox(DWORD nProcessId);
-
-// Answers the next box that this very process shows, from a thread of its own. Box() waits for it.
-class CBackgroundAnswer
-{
-public:
-    explicit CBackgroundAnswer(int nCommand);
-    ~CBackgroundAnswer() { Box(); }
-    CBackgroundAnswer(const CBackgroundAnswer&) = delete;
-    CBackgroundAnswer& operator=(const CBackgroundAnswer&) = delete;
-    const BOX& Box(); // hWnd is null if none came
-
-private:
-    BOX m_box;
-    std::thread m_thread;
-};
 
 struct RECORDED_BOX
 {

@@ -42,12 +42,6 @@ void CPackage::SetProductVersion(const std::wstring& strVersion) const
     CopyOneFile(ProductOfVersion(strVersion), At(L"Lumacap8.exe"));
 }
 
-void CPackage::Drop(const std::wstring& strRelative) const
-{
-    EXPECT_TRUE(IsThere(At(strRelative))) << testing::PrintToString(strRelative);
-    RemoveTree(At(strRelative));
-}
-
 void CPackage::AppendListLine(const std::string& strLine) const
 {
     std::string strList = ReadBytes(List());

@@ -23,7 +23,6 @@ public:
     void SetProductVersion(const std::wstring& strVersion) const;
     static std::wstring ProductOfVersion(const std::wstring& strVersion); // path of that executable
 
-    void Drop(const std::wstring& strRelative) const;      // a file, or a folder with all in it
     void AppendListLine(const std::string& strLine) const; // its line end is added
 
 private:

@@ -6,39 +6,26 @@
 #include <algorithm>
 #include <iterator>
 
-#include "foundation/Owners.h"
+#include "tests/support/Files.h"
 #include "tests/support/RegistryCorner.h"
 
-static const std::vector<std::wstring> kIgnored = {
-    L"HKLM\\HARDWARE",
-};
+static const std::vector<std::wstring> kIgnored = { L"HKLM\\HARDWARE" };
 
-static void AddFiles(const std::wstring& strFolder, std::vector<std::wstring>& lines)
+static std::wstring FileLine(const std::wstring& strPath)
 {
-    WIN32_FIND_DATAW found;
-    const CFindOwner hFind(FindFirstFileW((strFolder + L"\\*").c_str(), &found));
-    if (!hFind.IsOpen())
-        return;
-    do
-    {
-        const std::wstring strPath = strFolder + L"\\" + found.cFileName;
-        const std::wstring strAttributes = L" " + std::to_wstring(found.dwFileAttributes);
-        if (wcscmp(found.cFileName, L".") == 0 || wcscmp(found.cFileName, L"..") == 0)
-            continue;
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-        {
-            lines.push_back(L"file " + strPath + L" " + std::to_wstring(found.nFileSizeLow) + strAttributes);
-            continue;
-        }
-        lines.push_back(L"folder " + strPath + strAttributes);
-        AddFiles(strPath, lines);
-    } while (FindNextFileW(hFind, &found));
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    GetFileAttributesExW(strPath.c_str(), GetFileExInfoStandard, &data);
+    const std::wstring strAttributes = L" " + std::to_wstring(data.dwFileAttributes);
+    if (strPath.back() == L'\\')
+        return L"folder " + strPath.substr(0, strPath.size() - 1) + strAttributes;
+    return L"file " + strPath + L" " + std::to_wstring(data.nFileSizeLow) + strAttributes;
 }
 
 std::vector<std::wstring> TakeMachinePicture()
 {
     std::vector<std::wstring> lines;
-    AddFiles(L"C:", lines);
+    for (const std::wstring& strPath : ListTree(L"C:"))
+        lines.push_back(FileLine(L"C:\\" + strPath));
     for (const std::vector<std::wstring>& hive :
          { FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", kIgnored), FlattenKey(HKEY_USERS, L"", L"HKU", kIgnored) })
         lines.insert(lines.end(), hive.begin(), hive.end());

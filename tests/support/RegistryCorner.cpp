@@ -160,11 +160,6 @@ void SetKeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strN
     SetValue(hRoot, strKey, strName, REG_SZ, strText.c_str(), (strText.size() + 1) * sizeof(wchar_t));
 }
 
-void SetKeyNumber(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, DWORD nNumber)
-{
-    SetValue(hRoot, strKey, strName, REG_DWORD, &nNumber, sizeof(nNumber));
-}
-
 void MakeKey(HKEY hRoot, const std::wstring& strKey)
 {
     CKeyOwner key;

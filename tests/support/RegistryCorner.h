@@ -18,7 +18,6 @@ std::wstring KeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring&
 DWORD KeyNumber(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName);
 
 void SetKeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, const std::wstring& strText);
-void SetKeyNumber(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, DWORD nNumber);
 void MakeKey(HKEY hRoot, const std::wstring& strKey);
 void RemoveKey(HKEY hRoot, const std::wstring& strKey); // with all below it
 void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName);
