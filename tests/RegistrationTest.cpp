@@ -78,6 +78,14 @@ TEST_F(Registration, EveryValueIsWrittenInItsOrder)
 
 const wchar_t kHandlerClass[] = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}";
 
+TEST_F(Registration, FailedWriteDoesNotStopTheNext)
+{
+    CCallHook setValue("ADVAPI32.dll", "RegSetValueExW", &RegSetValueExW);
+    setValue.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
+    RegisterWithSystem();
+    EXPECT_EQ(setValue.Calls(), 32);
+}
+
 // The built setup on each Windows: what it writes and whether the thumbnail handler is entered.
 class RegistrationOfSetup : public InstallCorner
 {

@@ -1,0 +1,367 @@
+// What the pages show and what they take: the version line, the agreement, the kind and the folder, the group.
+#include "tests/support/Machine.h"
+#include "tests/support/WizardCorner.h"
+
+namespace
+{
+
+const wchar_t kPlainHint[] = L"To install into a different folder, click Browse, and select another one.";
+const wchar_t kRepeatedHint[] = L"This folder already contains a previous copy of Lumacap 8. To upgrade or re-install "
+                                L"that copy, please do not change the destination folder.";
+const wchar_t kPortableHint[] =
+    L"Click the Browse button and select a folder on a removable disk/USB key or network drive.";
+const wchar_t kOldVersion[] = L"Lumacap ver. 8 can not be installed into the same folder where the older version is. "
+                              L"Please select a different folder.";
+const wchar_t kNoFolder[] = L"Please click BROWSE button first and select the folder for portable installation.";
+const wchar_t kShortName[] = L"Error: Please enter a valid group name, minimum 3 letters";
+const wchar_t kStartupName[] = L"Error: Can not install shortcuts into this group, please select a different name.";
+const wchar_t kInvalidFolder[] =
+    L"You have entered and invalid folder name. Please correct.\nIf you want to create a new folder, select its parent "
+    L"folder in the list and click \"Make New Foilder\" button.";
+
+const int kKindButtons[] = { IDC_FOLDER_USER, IDC_FOLDER_ALL, IDC_FOLDER_PORTABLE };
+
+class WizardPages : public WizardCorner
+{
+protected:
+    std::wstring AgreementOf(const char* pszBytes, size_t cb)
+    {
+        WriteBytes(At(L"agreement.txt"), std::string(pszBytes, cb));
+        OpenOn('A');
+        return Text(IDC_AGREEMENT_TEXT);
+    }
+
+    // The kind that is set, by its digit, or - for none.
+    std::wstring Kind() const
+    {
+        std::wstring strKinds;
+        for (int i = 0; i < 3; i++)
+            if (IsTicked(kKindButtons[i]))
+                strKinds += std::to_wstring(i);
+        return strKinds.empty() ? L"-" : strKinds;
+    }
+
+    void ExpectOneBox(const wchar_t* pszText)
+    {
+        ASSERT_EQ(Boxes().size(), 1u);
+        EXPECT_EQ(Boxes()[0].strText, pszText);
+        EXPECT_EQ(Boxes()[0].strCaption, L"Lumacap 8");
+        EXPECT_EQ(Boxes()[0].nStyle, UINT(MB_OK | MB_ICONEXCLAMATION));
+        AnswerBoxes(IDOK);
+    }
+};
+
+} // namespace
+
+TEST_F(WizardPages, VersionLineNamesABetaByItsBuildAndTheYearOfTheClock)
+{
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    const struct
+    {
+        unsigned int version[4];
+        const wchar_t* pszLine;
+    } kCases[] = {
+        { { 8, 20, 1, 0 }, L"Lumacap ver. 8.20.01 " },
+        { { 8, 20, 1, 3 }, L"Lumacap ver. 8.20.01 Beta 3" },
+        { { 8, 2, 110, 14 }, L"Lumacap ver. 8.02.110 Beta 14" },
+    };
+    for (const auto& test : kCases)
+    {
+        g_nVerMajor = test.version[0];
+        g_nVerMinor = test.version[1];
+        g_nVerFix = test.version[2];
+        g_nVerBuild = test.version[3];
+        OpenOn('I');
+        EXPECT_EQ(Text(IDC_INTRO_VERSION), test.pszLine + (L"\nCopyright (C) 2004-" + std::to_wstring(now.wYear)) +
+                                               L" Tandrel Technology LLC\nAll rights reserved.");
+    }
+}
+
+TEST_F(WizardPages, AgreementIsTheUtf16TextOfTheCurrentFolder)
+{
+    OpenOn('A');
+    EXPECT_EQ(Text(IDC_AGREEMENT_TEXT), L"") << "without a file";
+    EXPECT_EQ(AgreementOf("", 0), L"");
+    EXPECT_EQ(AgreementOf("A", 1), L"");
+    EXPECT_EQ(AgreementOf("A\0B", 3), L"A");
+    EXPECT_EQ(AgreementOf("\xFF\xFEY\0e\0s\0", 8), L"\xFEFFYes");
+    EXPECT_EQ(AgreementOf("\x42\x04\r\0\n\0!\0", 8), L"\x0442\r\n!");
+    EXPECT_TRUE(IsWindowEnabled(Item(IDOK)));
+
+    std::string strLong;
+    for (int i = 0; i < 40000; i++)
+        strLong += std::string(i % 60 == 59 ? "\r\0\n\0" : "x\0y\0", 4);
+    EXPECT_EQ(AgreementOf(strLong.data(), strLong.size()).size(), strLong.size() / 2);
+    EXPECT_EQ(SendMessageW(Item(IDC_AGREEMENT_TEXT), EM_GETFIRSTVISIBLELINE, 0, 0), 0);
+    EXPECT_NE(GetWindowLongW(Item(IDC_AGREEMENT_TEXT), GWL_STYLE) & ES_READONLY, 0);
+
+    MakeFolder(At(L"elsewhere"));
+    SetCurrentDirectoryW(At(L"elsewhere").c_str());
+    OpenOn('A');
+    EXPECT_EQ(Text(IDC_AGREEMENT_TEXT), L"");
+    Next();
+    EXPECT_EQ(Page(), 'F');
+}
+
+TEST_F(WizardPages, AgreementLeavesEnterAndEscToTheFrameAndIsntSelectedByTab)
+{
+    AgreementOf("A\0B\0", 4);
+    Press(VK_TAB);
+    Press(VK_TAB);
+    EXPECT_EQ(GetFocus(), Item(IDC_AGREEMENT_TEXT));
+    DWORD nStart = 0;
+    DWORD nEnd = 0;
+    SendMessageW(GetFocus(), EM_GETSEL, reinterpret_cast<WPARAM>(&nStart), reinterpret_cast<LPARAM>(&nEnd));
+    EXPECT_EQ(nStart, nEnd);
+    Press(VK_ESCAPE);
+    EXPECT_EQ(Boxes().size(), 1u);
+    EXPECT_EQ(Page(), 'A');
+    Press(VK_RETURN);
+    EXPECT_EQ(Page(), 'F');
+}
+
+TEST_F(WizardPages, TabGoesThroughThePageBeforeTheButtons)
+{
+    const struct
+    {
+        char chPage;
+        std::vector<int> order; // from Next on
+    } kCases[] = {
+        { 'F', { IDCANCEL, IDC_FOLDER_ALL, IDC_FOLDER_BROWSE, IDC_SETUP_BACK, IDOK } },
+        { 'G', { IDCANCEL, IDC_GROUP_NAME, IDC_GROUP_AUTOSTART, IDC_GROUP_DESKTOP, IDC_SETUP_BACK, IDOK } },
+        { 'R', { IDCANCEL, IDC_SETUP_BACK, IDOK } },
+    };
+    for (const auto& test : kCases)
+    {
+        OpenOn(test.chPage);
+        for (const int nId : test.order)
+        {
+            Press(VK_TAB);
+            EXPECT_EQ(GetDlgCtrlID(GetFocus()), nId) << test.chPage;
+        }
+    }
+    OpenOn('F');
+    Press(VK_TAB);
+    Press(VK_TAB);
+    Press(VK_DOWN);
+    EXPECT_EQ(Kind() + L" " + Text(IDC_FOLDER_HINT), std::wstring(L"2 ") + kPortableHint);
+}
+
+// Each click names the radio button; the page is looked at after all of them.
+TEST_F(WizardPages, HintAndFolderFollowTheKind)
+{
+    const struct
+    {
+        int nKind; // at the start
+        bool bFresh;
+        bool bProductThere;
+        std::vector<int> clicks;
+        const wchar_t* pszKind;
+        bool bFolderShown;
+        const wchar_t* pszHint;
+    } kCases[] = {
+        { KIND_ALL_USERS, true, false, {}, L"1", true, kPlainHint },
+        { KIND_ALL_USERS, true, true, {}, L"1", true, kPlainHint },
+        { KIND_CURRENT_USER, false, true, {}, L"0", true, kRepeatedHint },
+        { KIND_CURRENT_USER, false, false, {}, L"0", true, kPlainHint },
+        { KIND_CURRENT_USER, false, true, { 1 }, L"1", true, kRepeatedHint },
+        { KIND_ALL_USERS, false, true, { 2 }, L"2", false, kPortableHint },
+        { KIND_ALL_USERS, false, true, { 2, 0 }, L"0", true, kRepeatedHint },
+        // From the command line: the hint is that of no kind until a button is clicked.
+        { KIND_PORTABLE, false, false, {}, L"2", true, kPlainHint },
+        { KIND_PORTABLE, false, true, {}, L"2", true, kRepeatedHint },
+        { KIND_PORTABLE, false, false, { 2 }, L"2", false, kPortableHint },
+    };
+    for (const auto& test : kCases)
+    {
+        SCOPED_TRACE(std::to_string(&test - kCases));
+        g_nInstallKind = test.nKind;
+        g_bFreshInstall = test.bFresh;
+        RemoveTree(At(L"target"));
+        if (test.bProductThere)
+            WriteBytes(At(kTargetName) + L"\\Lumacap8.exe", "");
+        OpenOn('F');
+        for (const int nClick : test.clicks)
+            Click(kKindButtons[nClick]);
+        EXPECT_EQ(Kind(), test.pszKind);
+        EXPECT_EQ(Text(IDC_FOLDER_PATH), test.bFolderShown ? At(kTargetName) : L"");
+        EXPECT_EQ(Text(IDC_FOLDER_HINT), test.pszHint);
+        EXPECT_EQ(g_nInstallKind, test.nKind) << "before the page is left";
+    }
+}
+
+TEST_F(WizardPages, PortableKindNeedsABrowsedFolderOnEachVisit)
+{
+    OpenOn('F');
+    Click(IDC_FOLDER_PORTABLE);
+    Next();
+    ExpectOneBox(kNoFolder);
+    Back();
+    ExpectOneBox(kNoFolder);
+    EXPECT_EQ(g_nInstallKind, KIND_ALL_USERS);
+
+    OpenOn('F');
+    Click(IDC_FOLDER_PORTABLE);
+    Browse(At(L"package"));
+    const std::wstring strChosen = At(L"package\\Lumacap 8");
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), strChosen);
+    Click(IDC_FOLDER_USER);
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), strChosen);
+    Click(IDC_FOLDER_PORTABLE);
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), strChosen) << "chosen on this visit";
+    Next();
+    EXPECT_EQ(g_nInstallKind, KIND_PORTABLE);
+    Back();
+    EXPECT_EQ(Kind() + L" " + Text(IDC_FOLDER_PATH), L"2 " + strChosen);
+    Click(IDC_FOLDER_PORTABLE);
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), L"");
+    EXPECT_EQ(g_bFreshInstall, 1);
+}
+
+TEST_F(WizardPages, BrowsedFolderIsTakenOrExtendedOrRefused)
+{
+    MakeFolder(At(L"empty"));
+    MakeFolder(At(L"parent\\child"));
+    for (const wchar_t* pszFile : { L"full\\a.txt", L"product\\Lumacap8.exe", L"five\\Lumacap5.exe",
+                                    L"six\\Lumacap6.exe", L"seven\\Lumacap7.exe" })
+        WriteBytes(At(pszFile), "");
+    const struct
+    {
+        int nKind;
+        const wchar_t* pszChosen; // below the corner, or a whole path
+        const wchar_t* pszTaken;  // null: nothing changes, and a box says why
+    } kCases[] = {
+        { KIND_ALL_USERS, L"full", L"full\\Lumacap 8" },
+        { KIND_ALL_USERS, L"parent", L"parent\\Lumacap 8" },
+        { KIND_CURRENT_USER, L"product", L"product" },
+        { KIND_PORTABLE, L"product", L"product\\Lumacap 8" },
+        { KIND_ALL_USERS, L"C:\\", L"C:\\Lumacap 8" },
+        { KIND_PORTABLE, L"C:\\", L"C:\\Lumacap 8" },
+        { KIND_ALL_USERS, L"five", nullptr },
+        { KIND_PORTABLE, L"six", nullptr },
+        { KIND_ALL_USERS, L"seven", L"seven\\Lumacap 8" },
+        { KIND_ALL_USERS, L"empty", L"empty" },
+        { KIND_PORTABLE, L"parent\\child", L"parent\\child\\Lumacap 8" },
+    };
+    const auto whole = [this](const std::wstring& strPath) { return strPath[1] == L':' ? strPath : At(strPath); };
+    for (const auto& test : kCases)
+    {
+        SCOPED_TRACE(testing::PrintToString(test.pszChosen));
+        g_strInstDir = At(kTargetName).c_str();
+        OpenOn('F');
+        Click(kKindButtons[test.nKind]);
+        const std::wstring strBefore = Text(IDC_FOLDER_PATH);
+        Browse(whole(test.pszChosen));
+        EXPECT_EQ(g_strInstDir.GetString(), test.pszTaken ? whole(test.pszTaken) : At(kTargetName));
+        EXPECT_EQ(Text(IDC_FOLDER_PATH), test.pszTaken ? whole(test.pszTaken) : strBefore);
+        if (test.pszTaken == nullptr)
+            ExpectOneBox(kOldVersion);
+        EXPECT_TRUE(Boxes().empty());
+    }
+    EXPECT_FALSE(IsThere(At(L"empty")) || IsThere(At(L"parent\\child"))) << "empty folders are removed";
+    EXPECT_TRUE(IsThere(At(L"full")) && IsThere(At(L"product\\Lumacap8.exe")));
+}
+
+TEST_F(WizardPages, BrowserStartsAtTheTargetWhichStandsOnlyMeanwhile)
+{
+    MakeFolder(At(L"target"));
+    OpenOn('F');
+    BFFCALLBACK pfnCallback = nullptr;
+    m_browser = [&](BROWSEINFOW* pBrowse)
+    {
+        EXPECT_EQ(pBrowse->hwndOwner, PageWindow());
+        EXPECT_TRUE(pBrowse->pidlRoot == nullptr && pBrowse->pszDisplayName != nullptr);
+        EXPECT_STREQ(pBrowse->lpszTitle, L"Select the folder where where Lumacap should be installed.");
+        EXPECT_EQ(pBrowse->ulFlags, 0x71u);
+        EXPECT_TRUE(IsThere(At(kTargetName)));
+        pfnCallback = pBrowse->lpfn;
+    };
+    Browse(L"");
+    EXPECT_FALSE(IsThere(At(kTargetName)));
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), At(kTargetName));
+
+    CCallHook unreadable("SHELL32.dll", "SHGetPathFromIDListW", &SHGetPathFromIDListW);
+    unreadable.FailAll(0);
+    Browse(At(L"package"));
+    EXPECT_EQ(unreadable.Calls(), 1);
+    EXPECT_EQ(g_strInstDir.GetString(), At(kTargetName));
+
+    ASSERT_NE(pfnCallback, nullptr);
+    CCallHook send("USER32.dll", "SendMessageW", &SendMessageW);
+    std::wstring strSelected;
+    send.Replace(
+        [&](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+        {
+            if (nMessage != BFFM_SETSELECTIONW)
+                return send.Original()(hWnd, nMessage, wParam, lParam);
+            EXPECT_EQ(wParam, WPARAM(TRUE));
+            strSelected = reinterpret_cast<const wchar_t*>(lParam);
+            return LRESULT(0);
+        });
+    EXPECT_EQ(pfnCallback(nullptr, BFFM_INITIALIZED, 0, 0), 0);
+    EXPECT_EQ(strSelected, At(kTargetName));
+    EXPECT_EQ(pfnCallback(nullptr, BFFM_SELCHANGED, 0, 0), 0);
+    EXPECT_TRUE(Boxes().empty());
+    EXPECT_EQ(pfnCallback(nullptr, BFFM_VALIDATEFAILEDW, reinterpret_cast<LPARAM>(L"x"), 0), 1);
+    ExpectOneBox(kInvalidFolder);
+}
+
+TEST_F(WizardPages, GroupNameIsTrimmedAndMeasuredAndNeverTheStartupFolders)
+{
+    const CFolderRedirection user(HKEY_CURRENT_USER, L"Startup", At(L"Autostart"));
+    const CFolderRedirection all(HKEY_LOCAL_MACHINE, L"Common Startup", At(L"D\xE9marrage"));
+    MakeFolder(At(L"Autostart"));
+    MakeFolder(At(L"D\xE9marrage"));
+    const struct
+    {
+        const wchar_t* pszName;
+        const wchar_t* pszBox; // or null
+        const wchar_t* pszGroup = L"";
+    } kCases[] = {
+        { L"", kShortName },
+        { L"ab", kShortName },
+        { L" \tab  ", kShortName },
+        { L" abc\t ", nullptr, L"abc" },
+        { L"a b", nullptr, L"a b" },
+        { L"AutoStart", kStartupName },
+        { L" autostart ", kStartupName },
+        { L"D\xE9MARRAGE", kStartupName },
+        { L"Autostart\\x", nullptr, L"Autostart\\x" },
+        { L"Startup", nullptr, L"Startup" }, // not the name on this machine
+        { L"a<b>:c|/d", nullptr, L"a<b>:c|/d" },
+    };
+    for (const auto& test : kCases)
+    {
+        SCOPED_TRACE(testing::PrintToString(test.pszName));
+        g_strGroup = L"before";
+        OpenOn('G');
+        Type(IDC_GROUP_NAME, test.pszName);
+        Next();
+        if (test.pszBox != nullptr)
+            ExpectOneBox(test.pszBox);
+        EXPECT_TRUE(Boxes().empty());
+        EXPECT_EQ(Page(), test.pszBox != nullptr ? 'G' : 'R');
+        EXPECT_EQ(g_strGroup.GetString(), std::wstring(test.pszBox != nullptr ? L"before" : test.pszGroup));
+    }
+    const std::wstring strLong(400, L'n');
+    OpenOn('G');
+    Type(IDC_GROUP_NAME, strLong);
+    Next();
+    EXPECT_EQ(g_strGroup.GetString(), strLong);
+}
+
+TEST_F(WizardPages, GroupPageWorksOnCopies)
+{
+    OpenOn('G');
+    EXPECT_EQ(Text(IDC_GROUP_NAME), L"Lumacap 8");
+    EXPECT_TRUE(!IsTicked(IDC_GROUP_AUTOSTART) && IsTicked(IDC_GROUP_DESKTOP));
+    Click(IDC_GROUP_AUTOSTART);
+    Click(IDC_GROUP_DESKTOP);
+    Type(IDC_GROUP_NAME, L"ab");
+    Next();
+    EXPECT_TRUE(!g_bAutoStart && g_bDeskIcon);
+    Type(IDC_GROUP_NAME, L"Other");
+    Back();
+    EXPECT_TRUE(g_bAutoStart && !g_bDeskIcon && g_strGroup == L"Other");
+}
