@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/BoxDriver.h"
+#include "tests/support/DialogDriver.h"
 #include "tests/support/Environment.h"
 #include "tests/support/Files.h"
 #include "tests/support/ProcessRun.h"
@@ -110,9 +110,9 @@ TEST(SampleProduct, StandsInTheListAndShowsItsWindowUntilToldToClose)
     CProductList list({});
     CProcessRun product(Product(L""));
     ASSERT_TRUE(product.Start());
-    const HWND hWindow = ExpectWindow(product.Id(), L"Lumacap 8");
+    const CDialogDriver window(product.Id(), L"Lumacap 8");
     EXPECT_EQ(std::vector<DWORD>{ product.Id() }, list.Ids());
-    PostMessageW(hWindow, WM_CLOSE, 1001, 0);
+    PostMessageW(window.Window(), WM_CLOSE, 1001, 0);
     EXPECT_TRUE(product.WaitForEnd());
     EXPECT_EQ(0u, product.ExitCode());
     EXPECT_TRUE(list.Ids().empty());
@@ -122,9 +122,9 @@ TEST(SampleProduct, CanBeMadeToIgnoreTheWishToClose)
 {
     CProcessRun product(Product(L"-ignoreclose"));
     ASSERT_TRUE(product.Start());
-    const HWND hWindow = ExpectWindow(product.Id(), L"Lumacap 8");
+    const CDialogDriver window(product.Id(), L"Lumacap 8");
     DWORD_PTR nResult = 0;
-    EXPECT_NE(0, SendMessageTimeoutW(hWindow, WM_CLOSE, 1001, 0, SMTO_NORMAL, kPatience, &nResult));
+    EXPECT_NE(0, SendMessageTimeoutW(window.Window(), WM_CLOSE, 1001, 0, SMTO_NORMAL, kPatience, &nResult));
     EXPECT_FALSE(product.WaitForEnd(200));
 }
 

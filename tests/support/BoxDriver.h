@@ -1,10 +1,11 @@
-// Windows and message boxes of another process, found and answered as a user does, and this process's own boxes, which
+// Message boxes: the shown ones of another process, found and answered as a user does, and this process's own, which
 // are recorded and answered without a window.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -16,12 +17,10 @@ struct BOX
     HWND hWnd = nullptr;
     std::wstring strCaption;
     std::wstring strText;
+    UINT nIcon = 0;           // MB_ICONERROR, MB_ICONQUESTION, MB_ICONEXCLAMATION, MB_ICONINFORMATION or 0
     std::vector<int> buttons; // command ids, ascending
     int nDefault = 0;         // command id of the default button
 };
-
-// Waits for a visible top-level window of the process whose caption begins with the text. Fails the test if none came.
-HWND ExpectWindow(DWORD nProcessId, const std::wstring& strCaptionPrefix);
 
 // Finds the message box that the process shows, within the time. False if none came.
 bool FindBox(DWORD nProcessId, BOX& box, DWORD nMilliseconds = kPatience);
