@@ -129,7 +129,6 @@ TEST_F(Relaunch, ProductStaysAfterANoAndWithoutATemporaryFolder)
         SCOPED_TRACE(testing::PrintToString(kAsking[i]));
         const BOX box = ExpectBox(runs[i]->Id(), IDNO);
         EXPECT_EQ(box.strCaption + L": " + box.strText, kQuestion);
-        EXPECT_EQ(box.nIcon, static_cast<UINT>(MB_ICONEXCLAMATION));
         EXPECT_EQ(box.buttons, (std::vector<int>{ IDYES, IDNO }));
         EXPECT_EQ(box.nDefault, IDNO);
         ASSERT_TRUE(runs[i]->WaitForFamily());

@@ -385,7 +385,6 @@ TEST_F(StartUpProgram, BesideThreeProductsShowsItsRoleAndClosesThemOrLeavesThem)
             const BOX box = ExpectBox(run.Id(), expected.second);
             EXPECT_EQ(box.strText, expected.first->pszText);
             EXPECT_EQ(box.strCaption, expected.first->pszCaption);
-            EXPECT_EQ(box.nIcon, expected.first->nStyle & MB_ICONMASK);
         }
         EXPECT_TRUE(run.WaitForFamily());
         EXPECT_EQ(run.ExitCode(), c.nExitCode);

@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,7 +16,6 @@ struct BOX
     HWND hWnd = nullptr;
     std::wstring strCaption;
     std::wstring strText;
-    UINT nIcon = 0;           // MB_ICONERROR, MB_ICONQUESTION, MB_ICONEXCLAMATION, MB_ICONINFORMATION or 0
     std::vector<int> buttons; // command ids, ascending
     int nDefault = 0;         // command id of the default button
 };
