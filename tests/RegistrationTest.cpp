@@ -1,11 +1,9 @@
-// What an install tells the system: every value in order, and the thumbnail handler's start.
+// What an install tells the system: every value in order, and none left out for the failure of another.
 #include "install/Registration.h"
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "tests/support/Environment.h"
 #include "tests/support/InstallCorner.h"
-#include "tests/support/ProcessRun.h"
 
 class Registration : public InstallCorner
 {
@@ -76,39 +74,10 @@ TEST_F(Registration, EveryValueIsWrittenInItsOrder)
     }
 }
 
-const wchar_t kHandlerClass[] = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}";
-
 TEST_F(Registration, FailedWriteDoesNotStopTheNext)
 {
     CCallHook setValue("ADVAPI32.dll", "RegSetValueExW", &RegSetValueExW);
     setValue.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
     RegisterWithSystem();
     EXPECT_EQ(setValue.Calls(), 32);
-}
-
-// The built setup on each Windows: what it writes and whether the thumbnail handler is entered.
-class RegistrationOfSetup : public InstallCorner
-{
-};
-
-TEST_F(RegistrationOfSetup, FollowsTheWindowsThatItRunsOn)
-{
-    const struct
-    {
-        const wchar_t* pszWindows;
-        const wchar_t* pszTarget;
-        bool bHandler;
-    } kCases[] = { { L"winxp64", L"Applications\\Lumacap8.exe", false },
-                   { L"vista", L"Applications\\Lumacap8.exe", true },
-                   { L"win7", L"Applications\\Lumacap8.exe", true },
-                   { L"win8", L"Lumacap.8", true } };
-    const CPackage package(At(L"package"));
-    for (const auto& row : kCases)
-    {
-        RemoveKey(HKEY_CLASSES_ROOT, kHandlerClass);
-        const CWindowsVersion windows(row.pszWindows);
-        EXPECT_EQ(RunToEnd(L"\"" + package.Setup() + L"\" -s"), 0u);
-        EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, kFileAssociationsKey, L".lcp"), row.pszTarget);
-        EXPECT_EQ(KeyExists(HKEY_CLASSES_ROOT, kHandlerClass), row.bHandler) << Bytes(row.pszWindows);
-    }
 }

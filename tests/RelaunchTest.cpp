@@ -148,22 +148,4 @@ TEST_F(Relaunch, ClosingMessageComesOnlyFromASecondStageThatIsToldToSpeak)
     EXPECT_EQ(run.ExitCode(), 0u);
 }
 
-TEST_F(Relaunch, ThumbnailHandlerIsUnregisteredFromVistaOn)
-{
-    const std::wstring strHandler = L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}";
-    m_registry.Clear(HKEY_CLASSES_ROOT, strHandler);
-    for (const wchar_t* pszVersion : { L"winxp64", L"vista" })
-    {
-        MakeProduct(L"product with blanks");
-        const std::wstring strLibrary = m_strProduct + L"\\ThumbLcp64.dll";
-        CopyOneFile(PackageFolder() + L"\\ThumbLcp64.dll", strLibrary);
-        ASSERT_EQ(RunToEnd(L"regsvr32.exe /s \"" + strLibrary + L"\""), 0u);
-        ASSERT_TRUE(KeyExists(HKEY_CLASSES_ROOT, strHandler));
-        const CWindowsVersion version(pszVersion);
-        RunToEnd(SecondStage(L"-delself \"" + Uninstaller() + L"\""));
-        EXPECT_EQ(KeyExists(HKEY_CLASSES_ROOT, strHandler), wcscmp(pszVersion, L"winxp64") == 0);
-        EXPECT_TRUE(IsThere(strLibrary)) << "no record names it";
-    }
-}
-
 } // namespace
