@@ -7,7 +7,10 @@ target_compile_options(build_settings INTERFACE
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 target_include_directories(build_settings INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/mfc)
 target_link_options(build_settings INTERFACE -static -municode -Wl,--gc-sections -Wl,--no-insert-timestamp)
+
+# For the program's own code alone, not for the sample and the tests. Several programs add to the same counters.
+add_library(coverage_settings INTERFACE)
 if(LUMACAP_COVERAGE)
-    target_compile_options(build_settings INTERFACE --coverage)
-    target_link_options(build_settings INTERFACE --coverage)
+    target_compile_options(coverage_settings INTERFACE --coverage -fprofile-update=single)
+    target_link_options(coverage_settings INTERFACE --coverage)
 endif()

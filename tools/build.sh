@@ -9,6 +9,6 @@ preset=$1
 echo "Building $preset (one to three minutes the first time, seconds after that)"
 cmake --build --preset "$preset" -- --quiet
 if [ "$preset" = release ]; then
-    cp -f build/release/out/setup.exe build/setup.exe
+    cp -f build/release/setup.exe build/setup.exe
     rm -rf build/package && cp -r build/release/package build/package
 fi

@@ -34,7 +34,7 @@ CPackage::CPackage(const std::wstring& strFolder) : m_strFolder(strFolder)
 
 std::wstring CPackage::ProductOfVersion(const std::wstring& strVersion)
 {
-    return BuildFolder() + L"\\release\\variants\\Lumacap8-" + strVersion + L".exe";
+    return BuildFolder() + L"\\variants\\Lumacap8-" + strVersion + L".exe";
 }
 
 void CPackage::SetProductVersion(const std::wstring& strVersion) const
