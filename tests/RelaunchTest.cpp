@@ -99,13 +99,21 @@ TEST_F(Relaunch, SecondStageIsGivenTheUninstallerAndTheSilence)
         if (!row.bSilent)
             ExpectBox(pRun->Id(), IDYES);
 
-        ASSERT_TRUE(WaitUntil([] { return ProcessesNamed(L"uni*.tmp").size() == 1; }));
+        // On a busy machine the second stage may be gone by the next line: it is asked while it is found.
+        std::wstring strCommandLine;
+        ASSERT_TRUE(WaitUntil(
+            [&strCommandLine]
+            {
+                const auto ids = ProcessesNamed(L"uni*.tmp");
+                if (ids.size() == 1)
+                    strCommandLine = CommandLineOf(ids[0]);
+                return !strCommandLine.empty();
+            }));
         const std::wstring strCopy = At(row.pszTemp) + L"\\" + TreeText(At(row.pszTemp));
         EXPECT_EQ(ReadBytes(strCopy), ReadBytes(BuildFolder() + L"\\setup.exe"));
         const auto quote = [](const std::wstring& strPath)
         { return strPath.find(L' ') == std::wstring::npos ? strPath : L"\"" + strPath + L"\""; };
-        EXPECT_EQ(CommandLineOf(ProcessesNamed(L"uni*.tmp")[0]),
-                  quote(strCopy) + L" -delself " + quote(Uninstaller()) + (row.bSilent ? L" -s" : L""));
+        EXPECT_EQ(strCommandLine, quote(strCopy) + L" -delself " + quote(Uninstaller()) + (row.bSilent ? L" -s" : L""));
 
         ASSERT_TRUE(pRun->WaitForFamily()) << "the second stage stays, perhaps with a message";
         EXPECT_FALSE(IsThere(m_strProduct)) << "the current folder of the first stage";
