@@ -19,7 +19,9 @@
 namespace
 {
 
-const DWORD kHangTime = 60000;
+const DWORD kHangTime = 60000; // milliseconds
+const int kReportAttempts = 500;
+const DWORD kReportPause = 10; // milliseconds
 
 struct Options
 {
@@ -60,6 +62,20 @@ Options ReadOptions()
     return options;
 }
 
+// One writer at a time: two that append at once can overwrite each other's line.
+HANDLE OpenReport(const wchar_t* pszFile)
+{
+    for (int i = 0; i < kReportAttempts; ++i)
+    {
+        const HANDLE hFile = CreateFileW(pszFile, FILE_APPEND_DATA, FILE_SHARE_READ, nullptr, OPEN_ALWAYS,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (hFile != INVALID_HANDLE_VALUE || GetLastError() != ERROR_SHARING_VIOLATION)
+            return hFile;
+        Sleep(kReportPause);
+    }
+    return INVALID_HANDLE_VALUE;
+}
+
 void Report(const wchar_t* pszFile)
 {
     if (pszFile == nullptr)
@@ -71,11 +87,9 @@ void Report(const wchar_t* pszFile)
     const int cch = _snwprintf(szLine, std::size(szLine), L"%ls\t%ls\r\n", GetCommandLineW(), szFolder);
     const int cb = WideCharToMultiByte(CP_UTF8, 0, szLine, cch, szBytes, sizeof(szBytes), nullptr, nullptr);
 
-    const HANDLE hFile = CreateFileW(pszFile, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const CFileOwner file(OpenReport(pszFile));
     DWORD cbWritten = 0;
-    WriteFile(hFile, szBytes, static_cast<DWORD>(cb), &cbWritten, nullptr);
-    CloseHandle(hFile);
+    WriteFile(file, szBytes, static_cast<DWORD>(cb), &cbWritten, nullptr);
 }
 
 LRESULT CALLBACK MainWindowProc(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
