@@ -1,127 +1,24 @@
 // The built setup as a user meets it: a process of its own, its windows driven by control id; then what it left on the
 // machine, looked at from outside.
-#include <stdlib.h>
-
 #include <thread>
 
 #include "install/InstallRun.h"
-#include "res/resource.h"
-#include "app/RunState.h"
-#include "tests/support/BoxDriver.h"
-#include "tests/support/DialogDriver.h"
-#include "tests/support/Environment.h"
-#include "tests/support/InstallCorner.h"
 #include "tests/support/MachineState.h"
 #include "tests/support/PendingList.h"
-#include "tests/support/ProcessRun.h"
+#include "tests/support/WizardProcess.h"
 
 namespace
 {
 
 const wchar_t kProduct[] = L"SOFTWARE\\Tandrel\\Lumacap 8";
-const wchar_t kWebCommand[] = L"http\\shell\\open\\command";
 
-class WizardInstall : public InstallCorner
+class WizardInstall : public WizardProcess
 {
-protected:
-    WizardInstall() : m_package(At(L"package")), m_strTarget(At(L"Program Files\\Lumacap 8"))
-    {
-        m_registry.Keep(HKEY_CLASSES_ROOT, kWebCommand);
-        SetKeyText(HKEY_CLASSES_ROOT, kWebCommand, L"", L"cmd.exe /c echo \"%1\">" + At(L"web.txt"));
-    }
-
-    std::wstring Command(const std::wstring& strSwitches) const
-    {
-        return L"\"" + m_package.Setup() + L"\" " + strSwitches;
-    }
-
-    // Starts the setup in its own folder; the product reports each of its starts.
-    void Start(const std::wstring& strSwitches = L"")
-    {
-        m_wizard.reset();
-        m_run = std::make_unique<CProcessRun>(Command(strSwitches));
-        m_run->SetFolder(m_package.Folder());
-        m_run->AddEnvironment(L"LUMACAP_REPORT", At(L"report.txt"));
-        ASSERT_TRUE(m_run->Start());
-    }
-    void MeetWizard() { m_wizard = std::make_unique<CDialogDriver>(m_run->Id(), L"Lumacap Setup"); }
-
-    // Starts the wizard and steps forward until the page that has the control, at most to the ready page.
-    void OpenOn(int nControl)
-    {
-        Start();
-        MeetWizard();
-        static const int kPages[] = { IDC_INTRO_VERSION, IDC_AGREEMENT_TEXT, IDC_FOLDER_BROWSE, IDC_GROUP_AUTOSTART,
-                                      IDC_START_TEXT };
-        for (const int nPage : kPages)
-        {
-            ASSERT_TRUE(m_wizard->AwaitVisible(nPage)) << nPage;
-            if (nPage == nControl)
-                return;
-            m_wizard->Click(IDOK);
-        }
-    }
-
-    void Step(int nControlOfNextPage) const
-    {
-        m_wizard->Click(IDOK);
-        ASSERT_TRUE(m_wizard->AwaitVisible(nControlOfNextPage));
-    }
-
-    // From the ready page to the report.
-    void Install() const
-    {
-        m_wizard->Click(IDOK);
-        ASSERT_TRUE(m_wizard->AwaitText(IDOK, L"&Finish >"));
-        ASSERT_TRUE(m_wizard->AwaitText(IDC_START_HEADLINE, L"Lumacap 8.20.01 has been successfully installed."));
-    }
-
-    void Finish() const
-    {
-        m_wizard->Click(IDOK);
-        ExpectEnd();
-    }
-    void ExpectEnd() const
-    {
-        EXPECT_TRUE(m_run->WaitForEnd());
-        EXPECT_EQ(m_run->ExitCode(), 0u);
-    }
-
-    void ExpectBox(const wchar_t* pszText, std::vector<int> buttons, int nDefault, int nAnswer) const
-    {
-        const BOX box = ::ExpectBox(m_run->Id(), nAnswer);
-        EXPECT_EQ(box.strText, pszText);
-        EXPECT_EQ(box.strCaption, L"Lumacap 8");
-        EXPECT_EQ(box.buttons, buttons);
-        EXPECT_EQ(box.nDefault, nDefault);
-    }
-    void ExpectWarning(const wchar_t* pszText) const { ExpectBox(pszText, { IDOK }, IDOK, IDOK); }
-    void ExpectCancelBox(int nAnswer) const
-    {
-        ExpectBox(L"Do you really want to cancel Lumacap setup?", { IDYES, IDNO }, IDNO, nAnswer);
-    }
-
-    std::string RegistrationOf(const std::wstring& strFolder) const
-    {
-        return Bytes(L"\"" + strFolder + L"\\Lumacap8.exe\" -regonly\t" + strFolder + L"\r\n");
-    }
-    bool AwaitReport(const std::string& strReport) const
-    {
-        return WaitUntil([&] { return IsThere(At(L"report.txt")) && ReadBytes(At(L"report.txt")) == strReport; });
-    }
-
-    const CPackage m_package;
-    const std::wstring m_strTarget;
-    std::unique_ptr<CProcessRun> m_run;
-    std::unique_ptr<CDialogDriver> m_wizard;
-
-private:
-    CRegistryCorner m_registry;
 };
 
 } // namespace
 
-TEST_F(WizardInstall, ClicksAloneInstallForAllUsersAndOpenTheWebPage)
+TEST_F(WizardInstall, ClicksAloneInstallForAllUsersOpenTheWebPageAndStartTheProductInItsFolder)
 {
     OpenOn(IDC_AGREEMENT_TEXT);
     EXPECT_EQ(m_wizard->Text(IDC_AGREEMENT_TEXT).substr(0, 27), L"\xFEFFLUMACAP 8 LICENSE AGREEMEN");
@@ -132,6 +29,7 @@ TEST_F(WizardInstall, ClicksAloneInstallForAllUsersAndOpenTheWebPage)
     Step(IDC_START_TEXT);
     EXPECT_FALSE(IsThere(m_strTarget));
     Install();
+    m_wizard->Click(IDC_START_RUN);
     Finish();
 
     EXPECT_TRUE(ReadBytes(m_strTarget + L"\\Lumacap8.exe") == ReadBytes(m_package.At(L"Lumacap8.exe")));
@@ -140,6 +38,7 @@ TEST_F(WizardInstall, ClicksAloneInstallForAllUsersAndOpenTheWebPage)
     EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, kProduct, L"AllUsers"), L"B");
     const std::string strPage = "\"http://www.lumacap.example/lcdx/InstScript.asp?src=setup&Lang=EN\"\r\n";
     EXPECT_TRUE(WaitUntil([&] { return IsThere(At(L"web.txt")) && ReadBytes(At(L"web.txt")) == strPage; }));
+    EXPECT_TRUE(AwaitStarts({ L" -regonly", L"" }));
 }
 
 TEST_F(WizardInstall, ChoicesOfThePagesReachTheMachine)
@@ -156,7 +55,7 @@ TEST_F(WizardInstall, ChoicesOfThePagesReachTheMachine)
     EXPECT_EQ(Links(), L"user\\Programs\\Startup\\Lumacap 8.lnk|user\\Programs\\Tools\\Pictures\\Lumacap 8 Help.lnk|"
                        L"user\\Programs\\Tools\\Pictures\\Lumacap 8.lnk");
     EXPECT_EQ(KeyText(HKEY_LOCAL_MACHINE, kProduct, L"AllUsers"), L"A");
-    EXPECT_TRUE(AwaitReport(RegistrationOf(m_strTarget))) << "the box wasn't ticked";
+    EXPECT_TRUE(AwaitStarts({ L" -regonly" })) << "the box wasn't ticked";
 }
 
 TEST_F(WizardInstall, VetoesSpeakInBoxesAndKeepThePage)
@@ -235,7 +134,7 @@ TEST_F(WizardInstall, SilentInstallWithReportOpensOnTheReportAlone)
     Finish();
     EXPECT_EQ(PendingEntries().size(), 5u); // the three folders of the list that aren't empty, the file, its successor
     EXPECT_TRUE(m_run->WaitForFamily());
-    EXPECT_TRUE(AwaitReport(RegistrationOf(m_strTarget) + RegistrationOf(m_strTarget)));
+    EXPECT_TRUE(AwaitStarts({ L" -regonly", L" -regonly" }));
     EXPECT_FALSE(IsThere(At(L"web.txt")));
 }
 

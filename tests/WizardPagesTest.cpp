@@ -121,33 +121,6 @@ TEST_F(WizardPages, AgreementLeavesEnterAndEscToTheFrameAndIsntSelectedByTab)
     EXPECT_EQ(Page(), 'F');
 }
 
-TEST_F(WizardPages, TabGoesThroughThePageBeforeTheButtons)
-{
-    const struct
-    {
-        char chPage;
-        std::vector<int> order; // from Next on
-    } kCases[] = {
-        { 'F', { IDCANCEL, IDC_FOLDER_ALL, IDC_FOLDER_BROWSE, IDC_SETUP_BACK, IDOK } },
-        { 'G', { IDCANCEL, IDC_GROUP_NAME, IDC_GROUP_AUTOSTART, IDC_GROUP_DESKTOP, IDC_SETUP_BACK, IDOK } },
-        { 'R', { IDCANCEL, IDC_SETUP_BACK, IDOK } },
-    };
-    for (const auto& test : kCases)
-    {
-        OpenOn(test.chPage);
-        for (const int nId : test.order)
-        {
-            Press(VK_TAB);
-            EXPECT_EQ(GetDlgCtrlID(GetFocus()), nId) << test.chPage;
-        }
-    }
-    OpenOn('F');
-    Press(VK_TAB);
-    Press(VK_TAB);
-    Press(VK_DOWN);
-    EXPECT_EQ(Kind() + L" " + Text(IDC_FOLDER_HINT), std::wstring(L"2 ") + kPortableHint);
-}
-
 // Each click names the radio button; the page is looked at after all of them.
 TEST_F(WizardPages, HintAndFolderFollowTheKind)
 {

@@ -74,11 +74,6 @@ CDialogDriver::CDialogDriver(DWORD nProcessId, const std::wstring& strCaptionPre
     m_hWnd = search.hWnd;
 }
 
-std::wstring CDialogDriver::Caption() const
-{
-    return TextOf(m_hWnd);
-}
-
 HWND CDialogDriver::Control(int nId) const
 {
     CONTROL_SEARCH search = { nId, nullptr, nullptr };
@@ -132,11 +127,6 @@ void CDialogDriver::Click(int nId) const
     PostMessageW(Control(nId), BM_CLICK, 0, 0);
 }
 
-void CDialogDriver::Command(int nId) const
-{
-    PostMessageW(m_hWnd, WM_COMMAND, MAKEWPARAM(nId, 0), 0);
-}
-
 void CDialogDriver::PressKey(WPARAM nKey) const
 {
     PostMessageW(FocusOf(m_hWnd), WM_KEYDOWN, nKey, 1);
@@ -151,11 +141,6 @@ bool CDialogDriver::AwaitText(int nId, const std::wstring& strText, DWORD nMilli
 bool CDialogDriver::AwaitVisible(int nId, DWORD nMilliseconds) const
 {
     return WaitUntil([&] { return IsVisible(nId); }, nMilliseconds);
-}
-
-bool CDialogDriver::AwaitEnabled(int nId, DWORD nMilliseconds) const
-{
-    return WaitUntil([&] { return IsVisible(nId) && IsEnabled(nId); }, nMilliseconds);
 }
 
 bool CDialogDriver::AwaitGone(DWORD nMilliseconds) const

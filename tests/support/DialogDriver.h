@@ -16,7 +16,6 @@ public:
     CDialogDriver(DWORD nProcessId, const std::wstring& strCaptionPrefix, DWORD nMilliseconds = kPatience);
 
     HWND Window() const { return m_hWnd; }
-    std::wstring Caption() const;
 
     HWND Control(int nId) const; // null if there is none
     bool HasControl(int nId) const { return Control(nId) != nullptr; }
@@ -30,15 +29,11 @@ public:
     // Clicks a button as a user does; returns at once. Fails the test if the control is missing or disabled.
     void Click(int nId) const;
 
-    // Sends a command without a button's help: IDCANCEL is what Esc sends.
-    void Command(int nId) const;
-
     void PressKey(WPARAM nKey) const; // to the control with the focus
 
     // Bounded waits: true if it came.
     bool AwaitText(int nId, const std::wstring& strText, DWORD nMilliseconds = kPatience) const;
     bool AwaitVisible(int nId, DWORD nMilliseconds = kPatience) const;
-    bool AwaitEnabled(int nId, DWORD nMilliseconds = kPatience) const;
     bool AwaitGone(DWORD nMilliseconds = kPatience) const;
 
 private:
