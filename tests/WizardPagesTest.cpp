@@ -49,6 +49,25 @@ protected:
         EXPECT_EQ(Boxes()[0].nStyle, UINT(MB_OK | MB_ICONEXCLAMATION));
         AnswerBoxes(IDOK);
     }
+
+    // In pixels, in the control's own font; a text that wraps has the control's width to do so.
+    static SIZE NeededSize(HWND hItem, const std::wstring& strText, int nWidth)
+    {
+        wchar_t szClass[32] = L"";
+        GetClassNameW(hItem, szClass, 32);
+        if (std::wstring(szClass) == L"Edit")
+            return {};
+        const LONG nStyle = GetWindowLongW(hItem, GWL_STYLE);
+        const bool bButton = std::wstring(szClass) == L"Button";
+        const bool bWraps = bButton ? (nStyle & BS_MULTILINE) != 0 : (nStyle & SS_PATHELLIPSIS) != SS_PATHELLIPSIS;
+        const int nMark = bButton && (nStyle & BS_TYPEMASK) != BS_GROUPBOX ? 20 : 0;
+        const HDC hDC = GetDC(hItem);
+        SelectObject(hDC, reinterpret_cast<HFONT>(SendMessageW(hItem, WM_GETFONT, 0, 0)));
+        RECT box = { 0, 0, nWidth - nMark, 0 };
+        DrawTextW(hDC, strText.c_str(), -1, &box, DT_CALCRECT | (bWraps ? DT_WORDBREAK : DT_SINGLELINE));
+        ReleaseDC(hItem, hDC);
+        return { box.right + nMark, box.bottom };
+    }
 };
 
 } // namespace
@@ -93,7 +112,6 @@ TEST_F(WizardPages, AgreementIsTheUtf16TextOfTheCurrentFolder)
     for (int i = 0; i < 40000; i++)
         strLong += std::string(i % 60 == 59 ? "\r\0\n\0" : "x\0y\0", 4);
     EXPECT_EQ(AgreementOf(strLong.data(), strLong.size()).size(), strLong.size() / 2);
-    EXPECT_EQ(SendMessageW(Item(IDC_AGREEMENT_TEXT), EM_GETFIRSTVISIBLELINE, 0, 0), 0);
     EXPECT_NE(GetWindowLongW(Item(IDC_AGREEMENT_TEXT), GWL_STYLE) & ES_READONLY, 0);
 
     MakeFolder(At(L"elsewhere"));
@@ -102,6 +120,23 @@ TEST_F(WizardPages, AgreementIsTheUtf16TextOfTheCurrentFolder)
     EXPECT_EQ(Text(IDC_AGREEMENT_TEXT), L"");
     Next();
     EXPECT_EQ(Page(), 'F');
+}
+
+TEST_F(WizardPages, AgreementIsShownFromItsTopWithNothingSelected)
+{
+    CCallHook send("USER32.dll", "SendMessageW", &SendMessageW);
+    std::wstring strSent;
+    send.Replace(
+        [&](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+        {
+            if (nMessage == EM_SETSEL)
+                strSent += L"select " + std::to_wstring(static_cast<int>(wParam)) + L" " + std::to_wstring(lParam);
+            if (nMessage == EM_SCROLLCARET)
+                strSent += L", scroll";
+            return send.Original()(hWnd, nMessage, wParam, lParam);
+        });
+    AgreementOf("A\0B\0", 4);
+    EXPECT_EQ(strSent, L"select -1 0, scroll");
 }
 
 TEST_F(WizardPages, AgreementLeavesEnterAndEscToTheFrameAndIsntSelectedByTab)
@@ -204,10 +239,14 @@ TEST_F(WizardPages, BrowsedFolderIsTakenOrExtendedOrRefused)
         int nKind;
         const wchar_t* pszChosen; // below the corner, or a whole path
         const wchar_t* pszTaken;  // null: nothing changes, and a box says why
+        bool bRepeated = false;
+        const wchar_t* pszHint = kPlainHint; // at the end, unless the kind is portable
     } kCases[] = {
         { KIND_ALL_USERS, L"full", L"full\\Lumacap 8" },
         { KIND_ALL_USERS, L"parent", L"parent\\Lumacap 8" },
         { KIND_CURRENT_USER, L"product", L"product" },
+        { KIND_CURRENT_USER, L"product", L"product", true, kRepeatedHint },
+        { KIND_CURRENT_USER, L"full", L"full\\Lumacap 8", true, kPlainHint },
         { KIND_PORTABLE, L"product", L"product\\Lumacap 8" },
         { KIND_ALL_USERS, L"C:\\", L"C:\\Lumacap 8" },
         { KIND_PORTABLE, L"C:\\", L"C:\\Lumacap 8" },
@@ -222,6 +261,7 @@ TEST_F(WizardPages, BrowsedFolderIsTakenOrExtendedOrRefused)
     {
         SCOPED_TRACE(testing::PrintToString(test.pszChosen));
         g_strInstDir = At(kTargetName).c_str();
+        g_bFreshInstall = !test.bRepeated;
         OpenOn('F');
         Click(kKindButtons[test.nKind]);
         const std::wstring strBefore = Text(IDC_FOLDER_PATH);
@@ -230,6 +270,7 @@ TEST_F(WizardPages, BrowsedFolderIsTakenOrExtendedOrRefused)
         EXPECT_EQ(Text(IDC_FOLDER_PATH), test.pszTaken ? whole(test.pszTaken) : strBefore);
         if (test.pszTaken == nullptr)
             ExpectOneBox(kOldVersion);
+        EXPECT_EQ(Text(IDC_FOLDER_HINT), test.nKind == KIND_PORTABLE ? kPortableHint : test.pszHint);
         EXPECT_TRUE(Boxes().empty());
     }
     EXPECT_FALSE(IsThere(At(L"empty")) || IsThere(At(L"parent\\child"))) << "empty folders are removed";
@@ -256,8 +297,10 @@ TEST_F(WizardPages, BrowserStartsAtTheTargetWhichStandsOnlyMeanwhile)
 
     CCallHook unreadable("SHELL32.dll", "SHGetPathFromIDListW", &SHGetPathFromIDListW);
     unreadable.FailAll(0);
+    CCallHook freed("SHELL32.dll", "SHGetMalloc", &SHGetMalloc);
     Browse(At(L"package"));
     EXPECT_EQ(unreadable.Calls(), 1);
+    EXPECT_EQ(freed.Calls(), 1);
     EXPECT_EQ(g_strInstDir.GetString(), At(kTargetName));
 
     ASSERT_NE(pfnCallback, nullptr);
@@ -333,8 +376,55 @@ TEST_F(WizardPages, GroupPageWorksOnCopies)
     Click(IDC_GROUP_DESKTOP);
     Type(IDC_GROUP_NAME, L"ab");
     Next();
+    ExpectOneBox(kShortName);
     EXPECT_TRUE(!g_bAutoStart && g_bDeskIcon);
     Type(IDC_GROUP_NAME, L"Other");
     Back();
     EXPECT_TRUE(g_bAutoStart && !g_bDeskIcon && g_strGroup == L"Other");
+
+    OpenOn('G');
+    EXPECT_TRUE(IsTicked(IDC_GROUP_AUTOSTART) && !IsTicked(IDC_GROUP_DESKTOP));
+    EXPECT_EQ(Text(IDC_GROUP_NAME), L"Other");
+    g_strGroup = L"";
+    OpenOn('G');
+    EXPECT_EQ(Text(IDC_GROUP_NAME), L"");
+    Next();
+    ExpectOneBox(kShortName);
+}
+
+TEST_F(WizardPages, ReadyPageAnnouncesTheInstallAndOffersNoStart)
+{
+    OpenOn('R');
+    EXPECT_EQ(Text(IDC_START_HEADLINE), L"You are now ready to install Lumacap.");
+    EXPECT_EQ(Text(IDC_START_TEXT),
+              L"Press the Next button to begin the installation or the Back button to change your selections.");
+    EXPECT_EQ(Text(IDC_START_PROGRESS), L"Installing Lumacap, please wait...");
+    EXPECT_TRUE(IsShown(IDC_START_HEADLINE) && IsShown(IDC_START_TEXT));
+    EXPECT_FALSE(IsShown(IDC_START_PROGRESS) || IsShown(IDC_START_RUN) || IsTicked(IDC_START_RUN));
+}
+
+// Measured as the control draws it: a button's mark takes 20 pixels, a text that doesn't fit is cut off.
+TEST_F(WizardPages, TextsFitTheirControlsAndControlsTheirPage)
+{
+    for (const char chPage : { 'I', 'A', 'F', 'G', 'R' })
+    {
+        OpenOn(chPage);
+        RECT page;
+        GetWindowRect(PageWindow(), &page);
+        RECT frame;
+        GetWindowRect(m_pFrame->m_hWnd, &frame);
+        EXPECT_TRUE(page.left >= frame.left && page.right <= frame.right && page.bottom <= frame.bottom) << chPage;
+        for (HWND hItem = nullptr; (hItem = FindWindowExW(PageWindow(), hItem, nullptr, nullptr)) != nullptr;)
+        {
+            const std::wstring strText = TextOf(hItem);
+            RECT item;
+            GetWindowRect(hItem, &item);
+            EXPECT_TRUE(item.left >= page.left && item.right <= page.right && item.top >= page.top &&
+                        item.bottom <= page.bottom)
+                << chPage << testing::PrintToString(strText);
+            const SIZE needed = NeededSize(hItem, strText, item.right - item.left);
+            EXPECT_TRUE(needed.cx <= item.right - item.left && needed.cy <= item.bottom - item.top)
+                << chPage << testing::PrintToString(strText);
+        }
+    }
 }

@@ -124,7 +124,7 @@ HWND WizardCorner::Item(int nId) const
     return hItem != nullptr ? hItem : GetDlgItem(m_pFrame->m_hWnd, nId);
 }
 
-static std::wstring TextOf(HWND hWnd)
+std::wstring WizardCorner::TextOf(HWND hWnd)
 {
     std::wstring strText(GetWindowTextLengthW(hWnd) + 1, L'\0');
     strText.resize(GetWindowTextW(hWnd, &strText[0], static_cast<int>(strText.size())));

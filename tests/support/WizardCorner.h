@@ -41,6 +41,7 @@ protected:
     HWND PageWindow() const;  // also one that isn't shown yet; null if there isn't exactly one
     HWND Item(int nId) const; // on the page or, where that has none, on the frame
     HWND Side() const { return GetDlgItem(m_pFrame->m_hWnd, IDC_SETUP_SIDE); } // shares its id with another control
+    static std::wstring TextOf(HWND hWnd);
     std::wstring Text(int nId) const;
     std::wstring Title() const;
     static bool IsShown(HWND hWnd); // by its own style
