@@ -14,3 +14,9 @@ if(LUMACAP_COVERAGE)
     target_compile_options(coverage_settings INTERFACE --coverage -fprofile-update=single)
     target_link_options(coverage_settings INTERFACE --coverage)
 endif()
+
+# The resource compiler doesn't tell what its source includes. Holds for the folder that calls it.
+function(depends_on_resources source)
+    file(GLOB parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
+    set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS "${parts}")
+endfunction()
