@@ -1,11 +1,12 @@
 # The one door to the project. Everything lands in build/; the only thing touched outside is Debian's package database.
 SHELL := /bin/bash
 .DELETE_ON_ERROR:
-.PHONY: help prerequisites build test demo wizard screenshots coverage lint clean
+.PHONY: help prerequisites build test interruption demo wizard screenshots coverage lint clean
 
 help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
 	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
+	@echo 'make interruption end installs and removals at every change they make, and run them again (10 minutes)'
 	@echo 'make build        build/setup.exe and the sample package build/package/ (about 1 minute)'
 	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
 	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'
@@ -21,6 +22,9 @@ build: prerequisites
 
 test: build
 	@tools/run-tests.sh release
+
+interruption: build
+	@tools/interruption.sh
 
 demo: build
 	@tools/demo.sh

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 
 #include "tests/support/Files.h"
@@ -29,6 +30,19 @@ std::vector<std::wstring> TakeMachinePicture()
     for (const std::vector<std::wstring>& hive :
          { FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", kIgnored), FlattenKey(HKEY_USERS, L"", L"HKU", kIgnored) })
         lines.insert(lines.end(), hive.begin(), hive.end());
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+std::vector<std::wstring> TakeProductPicture(const std::wstring& strFolder)
+{
+    std::vector<std::wstring> lines = FlattenProduct();
+    for (const std::wstring& strPath : ListTree(strFolder))
+    {
+        lines.push_back(FileLine(strFolder + L"\\" + strPath));
+        if (strPath.back() != L'\\' && strPath.find(L".lnk") == std::wstring::npos)
+            lines.back() += L" " + std::to_wstring(std::hash<std::string>()(ReadBytes(strFolder + L"\\" + strPath)));
+    }
     std::sort(lines.begin(), lines.end());
     return lines;
 }

@@ -124,6 +124,28 @@ void Flatten(HKEY hKey, const std::wstring& strPath, const std::vector<std::wstr
     }
 }
 
+const wchar_t kRegisteredApplications[] = L"SOFTWARE\\RegisteredApplications";
+
+const struct
+{
+    HKEY hRoot;
+    const wchar_t* pszKey;
+} kProductKeys[] = {
+    { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel" },
+    { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel" },
+    { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe" },
+    { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8" },
+    { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla" },
+    { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla" },
+    { HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts" },
+    { HKEY_CURRENT_USER, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
+    { HKEY_CLASSES_ROOT, L"Applications\\Lumacap8.exe" },
+    { HKEY_CLASSES_ROOT, L"Lumacap.8" },
+    { HKEY_CLASSES_ROOT, L"LC8.Document" },
+    { HKEY_CLASSES_ROOT, L".lcp" },
+    { HKEY_CLASSES_ROOT, L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}" }, // the sample's thumbnail handler
+};
+
 } // namespace
 
 bool KeyExists(HKEY hRoot, const std::wstring& strKey)
@@ -202,6 +224,18 @@ std::vector<std::wstring> FlattenKey(HKEY hRoot, const std::wstring& strKey, con
     return lines;
 }
 
+std::vector<std::wstring> FlattenProduct()
+{
+    std::vector<std::wstring> lines = FlattenKey(HKEY_LOCAL_MACHINE, kRegisteredApplications, kRegisteredApplications);
+    for (const auto& key : kProductKeys)
+    {
+        const std::wstring strLabel = std::to_wstring(reinterpret_cast<UINT_PTR>(key.hRoot) & 3) + key.pszKey;
+        const std::vector<std::wstring> tree = FlattenKey(key.hRoot, key.pszKey, strLabel);
+        lines.insert(lines.end(), tree.begin(), tree.end());
+    }
+    return lines;
+}
+
 CRegistryCorner::~CRegistryCorner()
 {
     for (size_t i = m_trees.size(); i-- > 0;)
@@ -223,27 +257,7 @@ void CRegistryCorner::Clear(HKEY hRoot, const std::wstring& strKey)
 
 void CRegistryCorner::ClearProduct()
 {
-    static const wchar_t kRegisteredApplications[] = L"SOFTWARE\\RegisteredApplications";
-    static const struct
-    {
-        HKEY hRoot;
-        const wchar_t* pszKey;
-    } kKeys[] = {
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel" },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe" },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8" },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla" },
-        { HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
-        { HKEY_CLASSES_ROOT, L"Applications\\Lumacap8.exe" },
-        { HKEY_CLASSES_ROOT, L"Lumacap.8" },
-        { HKEY_CLASSES_ROOT, L"LC8.Document" },
-        { HKEY_CLASSES_ROOT, L".lcp" },
-        { HKEY_CLASSES_ROOT, L"CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}" }, // the sample's thumbnail handler
-    };
-    for (const auto& key : kKeys)
+    for (const auto& key : kProductKeys)
         Clear(key.hRoot, key.pszKey);
     Keep(HKEY_LOCAL_MACHINE, kRegisteredApplications);
     RemoveValue(HKEY_LOCAL_MACHINE, kRegisteredApplications, L"Lumacap.8");

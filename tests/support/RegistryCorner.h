@@ -31,6 +31,9 @@ std::vector<std::wstring> ValueNames(HKEY hRoot, const std::wstring& strKey);  /
 std::vector<std::wstring> FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strLabel,
                                      const std::vector<std::wstring>& ignored = {});
 
+// The same of all keys that the product owns or has values in, one behind the other.
+std::vector<std::wstring> FlattenProduct();
+
 // Keeps a copy of named keys and puts each back at the end as it was: content, or absence.
 class CRegistryCorner
 {
