@@ -2,6 +2,7 @@
 #   machine_start NAME   a fresh machine, cloned from a base made once; sets WINEPREFIX, DISPLAY and the rest
 #   machine_start NAME shown   the same, on the display of the user
 #   machine_run CMD...   runs a Windows program on it and gives its exit code
+#   machine_use_fonts    gives it the fonts of Windows' dialogs; the package fonts-wine must be there
 #   machine_wait_idle    waits until what the product and its setup started has ended
 #   machine_restart      restarts the machine: the boot list is worked through before the next program starts
 #   machine_stop         ends the machine's programs and its display, and removes it
@@ -60,6 +61,11 @@ machine_display_start() {
     done
     DISPLAY=:$(cat "$machine_dir/display")
     export DISPLAY
+}
+
+# The dialogs' own font and the caption's, in the measures that Windows has.
+machine_use_fonts() {
+    cp /usr/share/wine/fonts/{marlett.ttf,tahoma.ttf,tahomabd.ttf,sserife.fon} "$WINEPREFIX/drive_c/windows/Fonts"
 }
 
 # Standard output goes to a file and is shown afterwards: Windows' own services inherit it, and a pipe would stay open.

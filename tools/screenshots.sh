@@ -17,9 +17,6 @@ fail() {
     exit 1
 }
 
-# The dialogs' own font and the caption's, in the measures that Windows has.
-use_fonts() { cp /usr/share/wine/fonts/{marlett.ttf,tahoma.ttf,tahomabd.ttf,sserife.fon} "$WINEPREFIX/drive_c/windows/Fonts"; }
-
 # usage: await MESSAGE COMMAND...   until the command succeeds; 20 seconds at most
 await() {
     local message=$1
@@ -149,7 +146,7 @@ restart_install() {
 
 machine_start screenshots
 trap machine_stop EXIT
-use_fonts
+machine_use_fonts
 mkdir -p "$images"
 echo 'Taking the pictures in docs/images (about 20 seconds)'
 cp -r build/package "$WINEPREFIX/drive_c/Package"

@@ -9,8 +9,10 @@ if [ -z "${DISPLAY:-}" ]; then
     echo 'There is no display to open the wizard on (DISPLAY is empty); make screenshots needs none.' >&2
     exit 1
 fi
+tools/prerequisites.sh fonts-wine
 machine_start wizard shown
 trap machine_stop EXIT
+machine_use_fonts
 echo 'The wizard opens in a few seconds. Whatever it installs goes when it ends.'
 cp -r build/package "$WINEPREFIX/drive_c/Package"
 cd "$WINEPREFIX/drive_c/Package"
