@@ -10,5 +10,6 @@ echo "Building $preset (one to three minutes the first time, seconds after that)
 cmake --build --preset "$preset" -- --quiet
 if [ "$preset" = release ]; then
     cp -f build/release/setup.exe build/setup.exe
+    cp -f build/release/pkgcheck.exe build/pkgcheck.exe
     rm -rf build/package && cp -r build/release/package build/package
 fi

@@ -1,0 +1,326 @@
+// The checker of packages against the engine: what it plans is what an install creates and a removal and a restart
+// leave, and what it finds fault with. The checker runs as a program of its own, the engine in this process.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "app/RunState.h"
+#include "install/InstallDriver.h"
+#include "tests/support/Environment.h"
+#include "tests/support/InstallCorner.h"
+#include "tests/support/MachineState.h"
+#include "tests/support/PendingList.h"
+#include "tests/support/ProcessRun.h"
+#include "uninstall/UninstallDriver.h"
+
+namespace
+{
+
+using TEXTS = std::vector<std::wstring>;
+
+const wchar_t* const kKinds[] = { L"user", L"all", L"portable" }; // by InstallKind
+const std::string kMark = "LumUnInst.log";
+
+struct CHECKED
+{
+    DWORD nExitCode;
+    std::vector<std::string> lines; // of its output
+};
+
+CHECKED Check(const std::wstring& strArguments)
+{
+    CProcessRun run(BuildFolder() + L"\\pkgcheck.exe " + strArguments);
+    if (!run.Start() || !run.WaitForFamily())
+        return { STILL_ACTIVE, {} };
+    std::string strOutput = run.Output();
+    strOutput.erase(std::remove(strOutput.begin(), strOutput.end(), '\r'), strOutput.end());
+    std::vector<std::string> lines;
+    for (size_t nEnd; (nEnd = strOutput.find('\n')) != std::string::npos; strOutput.erase(0, nEnd + 1))
+        lines.push_back(strOutput.substr(0, nEnd));
+    return { run.ExitCode(), lines };
+}
+
+// "12 no-match|no-version": the findings by line and name.
+std::string Findings(const CHECKED& checked)
+{
+    std::string strFindings;
+    for (std::string strLine : checked.lines)
+    {
+        if (strLine.compare(0, kMark.size(), kMark) != 0)
+            continue;
+        const bool bLine = strLine[kMark.size()] == '(';
+        const std::string strNumber =
+            bLine ? strLine.substr(kMark.size() + 1, strLine.find(')') - kMark.size() - 1) : "";
+        strLine.erase(0, strLine.find(": ") + 2);
+        strFindings += (strFindings.empty() ? "" : "|") + strNumber + (bLine ? " " : "");
+        strFindings += strLine.substr(0, strLine.find(':'));
+    }
+    return strFindings;
+}
+
+// A package from a seed: some of the files, and records that meet them, miss them, and get into each other's way.
+class CGenerator
+{
+public:
+    explicit CGenerator(unsigned int nSeed) : m_random(nSeed) {}
+
+    void Make(const std::wstring& strFolder)
+    {
+        for (const wchar_t* pszFile :
+             { L"a.txt", L"b.txt", L"c.dat", L"d.dll", L"LumUnInst.exe", L"sub\\s.dll", L"sub\\t.txt", L"sub\\a.txt",
+               L"sub\\deep\\u.txt", L"sub\\deep\\v.dat", L"x64\\w.dll", L"other\\z.txt" })
+        {
+            if (Number(5) > 0)
+                WriteBytes(strFolder + L"\\" + pszFile, "content");
+        }
+        WriteBytes(strFolder + L"\\Lumacap8.exe", "product");
+        std::string strList;
+        std::vector<std::string> lines;
+        for (int nLines = 4 + Number(14); nLines > 0; nLines--)
+        {
+            lines.push_back(!lines.empty() && Number(10) == 0 ? lines[Number(static_cast<int>(lines.size()))] : Line());
+            strList += lines.back() + (Number(4) > 0 ? "\r\n" : "  \n");
+        }
+        WriteBytes(strFolder + L"\\LumUnInst.log", strList);
+    }
+
+private:
+    int Number(int nBelow) { return static_cast<int>(m_random() % nBelow); }
+    std::string OneOf(const std::vector<const char*>& texts) { return texts[Number(static_cast<int>(texts.size()))]; }
+
+    std::string Line()
+    {
+        const int nLine = Number(20);
+        if (nLine < 4)
+            return OneOf({ "Make Dir: " }) + OneOf({ "d", "d\\e", "d\\e\\f", "sub", "Sub\\Deep", "x64", "x32", "new",
+                                                     "p\\q", "d/g", "other", "..\\out" });
+        if (nLine < 6)
+            return OneOf({ "File Del: ", "File Overwrite: " }) +
+                   OneOf({ "*.txt", "x.txt", "sub\\*", "*.*", "d", "d\\*.*", "*.log | note", "???.*", "SUB\\?.*",
+                           "sub/s.dll", "..\\out.txt", "new\\*" });
+        if (nLine < 7)
+            return OneOf({ "A remark", "file copy: a.txt", "", " File Copy: b.txt", "File Copy:c.dat",
+                           "Made Dir: nowhere", "File Copy: a.txt | note" });
+        const std::string strPrefix =
+            OneOf({ "File Copy: ", "File Copy: ", "File Copy x64: ", "File Copy ind: ", "File Copy prt: " });
+        if (nLine < 13)
+            return strPrefix + OneOf({ "a.txt", "b.txt", "c.dat", "d.dll", "sub\\s.dll", "sub\\deep\\u.txt" }) +
+                   OneOf({ " > ", ">" }) +
+                   OneOf({ "x.txt", "sub\\x.txt", "new\\x.txt", "A.TXT", "c.dat", "sub", "d", "..\\out.txt", "d/x.txt",
+                           "x64\\a.txt", "d\\e\\y.txt", "z. " });
+        return strPrefix + OneOf({ "a.txt",       "b.txt",      "*.txt",  "a.*",           "?.TXT",
+                                   "*.d*",        "sub\\*.dll", "sub\\*", "x64\\*",        "sub\\deep\\*.*",
+                                   "*",           "*.*",        "s*",     "sub/s.dll",     "sub/*.txt",
+                                   "missing.txt", "other",      "Lum*",   "LumUnInst.exe", "..\\none.txt" });
+    }
+
+    std::mt19937 m_random;
+};
+
+class PackageCheck : public InstallCorner
+{
+protected:
+    std::wstring Place(const std::wstring& strName, unsigned int nSeed) const
+    {
+        return At(strName + std::to_wstring(nSeed));
+    }
+
+    // The sections of a plan, each as sorted paths of the corner, folders with a backslash at their end.
+    std::vector<TEXTS> PlanOf(unsigned int nSeed) const
+    {
+        const TEXTS before = ListTree(Folder());
+        const CHECKED checked = Check(L"--plan " + std::wstring(kKinds[nSeed % 3]) + L" " + Place(L"package", nSeed));
+        EXPECT_EQ(checked.nExitCode, 0u);
+        EXPECT_EQ(ListTree(Folder()), before);
+        std::vector<TEXTS> sections;
+        for (const std::string& strLine : checked.lines)
+        {
+            if (strLine[0] != ' ')
+                sections.emplace_back();
+            else if (strLine != "  nothing")
+                sections.back().push_back(ToCorner(strLine.substr(15), nSeed) +
+                                          (strLine.compare(2, 6, "folder") == 0 ? L"\\" : L""));
+        }
+        for (TEXTS& section : sections)
+            std::sort(section.begin(), section.end());
+        return sections;
+    }
+
+    static std::wstring ToCorner(const std::string& strPath, unsigned int nSeed)
+    {
+        const std::wstring strBeside = L"to" + std::to_wstring(nSeed) + L"\\up";
+        const std::pair<std::string, std::wstring> places[] = {
+            { "<target>", strBeside + L"\\target" },
+            { "<beside>\\..", L"to" + std::to_wstring(nSeed) },
+            { "<beside>", strBeside },
+            { "<common programs>", L"all\\Programs" },
+            { "<common desktop>", L"all\\Desktop" },
+            { "<user's programs>", L"user\\Programs" },
+            { "<user's desktop>", L"user\\Desktop" },
+        };
+        for (const auto& [strPlace, strFolder] : places)
+        {
+            if (strPath.compare(0, strPlace.size(), strPlace) == 0)
+                return strFolder + std::wstring(strPath.begin() + strPlace.size(), strPath.end());
+        }
+        ADD_FAILURE() << strPath;
+        return L"";
+    }
+
+    // What stands in the machine's folders and around the target, and didn't before the install.
+    TEXTS Created(unsigned int nSeed) const
+    {
+        TEXTS created;
+        for (const std::wstring& strRoot :
+             { std::wstring(L"all"), std::wstring(L"user"), L"to" + std::to_wstring(nSeed) })
+            for (const std::wstring& strPath : ListTree(At(strRoot)))
+                created.push_back(strRoot + L"\\" + strPath);
+        const auto isOld = [](const std::wstring& strPath)
+        {
+            const std::wstring strName = strPath.substr(strPath.find(L'\\') + 1);
+            return strName == L"up\\" || strName == L"Desktop\\" || strName == L"Programs\\" ||
+                   strName == L"Programs\\Startup\\";
+        };
+        created.erase(std::remove_if(created.begin(), created.end(), isOld), created.end());
+        std::sort(created.begin(), created.end());
+        return created;
+    }
+
+    void Install(unsigned int nSeed) const
+    {
+        const CLaunchRecorder recorder;
+        ResetProgramState();
+        g_strSourceDir = Place(L"package", nSeed).c_str();
+        g_strInstDir = (Place(L"to", nSeed) + L"\\up\\target").c_str();
+        g_strGroup = L"Lumacap 8";
+        g_bFreshInstall = 1;
+        g_nInstallKind = static_cast<int>(nSeed % 3);
+        PerformInstall();
+    }
+
+    // What the second stage of a removal does.
+    void Remove(unsigned int nSeed) const
+    {
+        const CLaunchRecorder recorder;
+        const std::wstring strFolder = Place(L"to", nSeed) + L"\\up\\target\\";
+        DeleteFileW((strFolder + L"LumUnInst.exe").c_str());
+        RunUninstall(strFolder.c_str());
+    }
+
+    std::string Described(unsigned int nSeed) const
+    {
+        return "package " + std::to_string(nSeed) + ":\n" + ReadBytes(Place(L"package", nSeed) + L"\\LumUnInst.log");
+    }
+};
+
+} // namespace
+
+// One restart serves all packages.
+TEST_F(PackageCheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
+{
+    const unsigned int kPackages = 45;
+    std::vector<TEXTS> leftByPlan;
+    for (unsigned int nSeed = 0; nSeed < kPackages; nSeed++)
+    {
+        CGenerator(nSeed).Make(Place(L"package", nSeed));
+        MakeFolder(Place(L"to", nSeed) + L"\\up");
+        const std::vector<TEXTS> plan = PlanOf(nSeed);
+        ASSERT_EQ(plan.size(), 3u);
+        Install(nSeed);
+        EXPECT_EQ(JoinLines(Created(nSeed)), JoinLines(plan[0])) << Described(nSeed);
+        Remove(nSeed);
+        EXPECT_EQ(JoinLines(Created(nSeed)), JoinLines(plan[1])) << Described(nSeed);
+        leftByPlan.push_back(plan[2]);
+    }
+    RestartMachine();
+    for (unsigned int nSeed = 0; nSeed < kPackages; nSeed++)
+        EXPECT_EQ(JoinLines(Created(nSeed)), JoinLines(leftByPlan[nSeed])) << Described(nSeed);
+}
+
+// In the list of the broken package a remark "NAME:" stands before each faulty line.
+TEST_F(PackageCheck, BrokenPackageShowsEachFindingOnce)
+{
+    const std::wstring strBroken = BuildFolder() + L"\\variants\\broken";
+    std::string strExpected = "1 byte-order-mark";
+    const std::vector<std::string> lines = ReadLines(strBroken + L"\\LumUnInst.log");
+    for (size_t i = 0; i < lines.size(); i++)
+    {
+        if (!lines[i].empty() && lines[i].back() == ':')
+            strExpected += "|" + std::to_string(i + 2) + " " + lines[i].substr(0, lines[i].size() - 1);
+    }
+    const CHECKED checked = Check(strBroken);
+    EXPECT_EQ(Findings(checked), strExpected + "|file-unnamed|uninstaller-missing|counted-on|no-version");
+    EXPECT_EQ(checked.lines.size(), 25u * 3 + 1); // three lines each, and their number
+    EXPECT_EQ(checked.nExitCode, 1u);
+}
+
+TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
+{
+    const CPackage package(At(L"package"));
+    const std::string strList = ReadBytes(package.List());
+    const std::string strLast = std::to_string(std::count(strList.begin(), strList.end(), '\n') + 1) + " ";
+    // 511 characters behind a record's own are read as they are.
+    const std::string strLong = "File Del: " + std::string(501, 'x');
+    const std::pair<std::string, std::string> kCases[] = {
+        { "", "" },
+        { strLong, "" },
+        { strLong + "x", strLast + "long-line" },
+        { std::string(511, 'x') + "File Del: x", strLast + "long-line" },
+        { std::string(600, 'x'), "" },
+        { " File Copy: Lumacap8.exe", strLast + "near-miss" },
+        { "File Copy:Lumacap8.exe", strLast + "near-miss" },
+        { "File\tCopy X64 : Lumacap8.exe", strLast + "near-miss" },
+        { "File Copy is a remark", "" },
+        { "Made Dir: C:\\Games", strLast + "install-made" },
+        { "Make Dir: Lang | texts", strLast + "tail" },
+        { "File Copy: Lumacap8.exe > \\l.exe", strLast + "absolute" },
+        { "File Copy: Lumacap8.exe > Lang/l.exe", strLast + "forward-slash" },
+        { "File Copy: Lang/English.txt > Lang\\E.txt", "" },
+        { "File Copy: Lang/English.txt", strLast + "forward-slash" },
+        { "File Copy prt: Lumacap8.exe > Tools\\l.exe", strLast + "renamed-too-early" },
+        { "File Copy: *", strLast + "folder-caught|" + strLast + "list-named" },
+        { "Make Dir: A\r\nMake Dir: A\\B\r\nMake Dir: A", "" },
+        { "Make Dir: x64\r\nMake Dir: x64\\A", "" },
+        { "\x1A", strLast + "end-mark" },
+    };
+    for (const auto& [strLine, strFindings] : kCases)
+    {
+        WriteBytes(package.List(), strList + strLine + "\n");
+        const CHECKED checked = Check(package.Folder());
+        EXPECT_EQ(Findings(checked), strFindings) << strLine;
+        EXPECT_EQ(checked.nExitCode, strFindings.empty() ? 0u : 1u);
+    }
+    for (const char* pszMark : { "\xEF\xBB\xBF", "\xFF\xFE" })
+    {
+        WriteBytes(package.List(), pszMark + strList);
+        EXPECT_EQ(Findings(Check(package.Folder())), "1 byte-order-mark");
+    }
+    WriteBytes(package.List(), "");
+    EXPECT_EQ(Findings(Check(package.Folder())).find("no-record"), Findings(Check(package.Folder())).rfind("no-"));
+}
+
+TEST_F(PackageCheck, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
+{
+    MakeFolder(At(L"empty"));
+    const std::pair<std::wstring, DWORD> kCases[] = {
+        { L"", 2 },
+        { L"--help", 0 },
+        { L"--HELP", 2 },
+        { PackageFolder() + L"\\", 0 },
+        { PackageFolder() + L" more", 2 },
+        { At(L"empty"), 2 },
+        { At(L"missing"), 2 },
+        { L"--plan", 2 },
+        { L"--plan all", 2 },
+        { L"--plan none " + PackageFolder(), 2 },
+        { L"--plan all " + At(L"empty"), 2 },
+        { L"--plan all " + PackageFolder(), 0 },
+    };
+    for (const auto& [strArguments, nExitCode] : kCases)
+    {
+        const CHECKED checked = Check(strArguments);
+        EXPECT_EQ(checked.nExitCode, nExitCode) << testing::PrintToString(strArguments);
+        EXPECT_FALSE(checked.lines.empty());
+    }
+}

@@ -1,0 +1,25 @@
+// A package's list as the engine reads it, line by line, with what the engine doesn't know: where in the file each line
+// stands, and what the file holds that no reader of records sees.
+#pragma once
+
+#include <afx.h>
+
+#include <vector>
+
+struct ListLine
+{
+    int nNumber;     // of the line in the file, from 1
+    bool bRest;      // what stands behind the 511th character of a line, and is read as one of its own
+    CString strText; // with its end trimmed
+};
+
+struct CheckedList
+{
+    bool bReadable = false;
+    bool bByteOrderMark = false;
+    int nEndMarkLine = 0; // where a Ctrl-Z ends the reading; 0 if none does
+    std::vector<ListLine> lines;
+};
+
+// A list that can't be opened is not readable and has no lines.
+CheckedList ReadCheckedList(const wchar_t* pszList);

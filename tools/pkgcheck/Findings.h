@@ -1,0 +1,71 @@
+// What can be wrong with a package, and the findings of one check.
+#pragma once
+
+#include <afx.h>
+
+#include <map>
+#include <utility>
+
+// The first group is about how a line is written. Such a finding silences those of the second group on its line, since
+// these may be mere consequences.
+enum FindingKind
+{
+    FINDING_BYTE_ORDER_MARK,
+    FINDING_END_MARK,
+    FINDING_LONG_LINE,
+    FINDING_NEAR_MISS,
+    FINDING_INSTALL_MADE,
+    FINDING_ABSOLUTE,
+    FINDING_CLIMBING,
+    FINDING_TAIL,
+    FINDING_FORWARD_SLASH,
+    FINDING_MASK_RENAMED,
+    FINDING_EMPTY_TARGET,
+
+    FINDING_NO_MATCH,
+    FINDING_FOLDER_CAUGHT,
+    FINDING_TARGET_IS_FOLDER,
+    FINDING_RENAMED_TOO_EARLY,
+    FINDING_MADE_TOO_EARLY,
+    FINDING_WRITTEN_TWICE,
+    FINDING_LIBRARY_TEST,
+    FINDING_FOLDER_UNNAMED,
+    FINDING_PARENT_FIRST,
+    FINDING_LIST_NAMED,
+    FINDING_FILE_UNNAMED,
+    FINDING_UNINSTALLER_MISSING,
+    FINDING_COUNTED_ON,
+    FINDING_NO_VERSION,
+    FINDING_NO_RECORD,
+
+    FINDING_COUNT
+};
+
+class CFindings
+{
+public:
+    // A finding of a line, or with line 0 of the package as a whole; strSubject is the record, or the file. strDetail
+    // is the name that the finding's texts have a place for. One line has each kind once.
+    void Add(FindingKind nKind, int nLine, const CString& strSubject, const CString& strDetail = CString());
+
+    // Prints what isn't silenced, in the order of the lines, the package as a whole last. Returns the number printed.
+    int Print() const;
+
+private:
+    struct Subject
+    {
+        CString strSubject;
+        CString strDetail;
+    };
+    struct Place
+    {
+        int nLine;
+        FindingKind nKind;
+        CString strFile; // of findings without a line, of which there can be many
+        bool operator<(const Place& other) const;
+    };
+
+    bool IsSilenced(const Place& place) const;
+
+    std::map<Place, Subject> m_findings;
+};

@@ -1,0 +1,28 @@
+// The program's words.
+#include "tools/pkgcheck/Output.h"
+
+#include <io.h>
+#include <string>
+#include <windows.h>
+
+// The runtime's wide output would end at the first character that the C locale lacks.
+static std::string ToUtf8(const CString& strText)
+{
+    const int cb = WideCharToMultiByte(CP_UTF8, 0, strText, strText.GetLength(), nullptr, 0, nullptr, nullptr);
+    std::string strBytes(cb, 0);
+    WideCharToMultiByte(CP_UTF8, 0, strText, strText.GetLength(), &strBytes[0], cb, nullptr, nullptr);
+    return strBytes;
+}
+
+void PrintLine(FILE* pStream, const wchar_t* pszText)
+{
+    const HANDLE hStream = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pStream)));
+    DWORD dwMode;
+    DWORD cchWritten;
+    const CString strLine = CString(pszText) + L"\n";
+    if (GetConsoleMode(hStream, &dwMode) &&
+        WriteConsoleW(hStream, strLine, static_cast<DWORD>(strLine.GetLength()), &cchWritten, nullptr))
+        return;
+    const std::string strBytes = ToUtf8(strLine);
+    fwrite(strBytes.data(), 1, strBytes.size(), pStream);
+}

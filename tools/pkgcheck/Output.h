@@ -1,0 +1,8 @@
+// The program's words: to a console as they are, to a file or a pipe as UTF-8.
+#pragma once
+
+#include <afx.h>
+#include <stdio.h>
+
+// Writes the text and a line end to the stream, which is stdout or stderr.
+void PrintLine(FILE* pStream, const wchar_t* pszText);

@@ -1,0 +1,234 @@
+// All that the engine would silently do wrong with a package.
+#include "tools/pkgcheck/PackageCheck.h"
+
+#include "app/Product.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/InstallLog.h"
+#include "install/FileVersion.h"
+#include "tools/pkgcheck/PlannedRemoval.h"
+
+// The version lands in the program's variables. This program has these alone of them, and no run.
+unsigned int g_nVerMajor;
+unsigned int g_nVerMinor;
+unsigned int g_nVerFix;
+unsigned int g_nVerBuild;
+
+struct RecordForm
+{
+    const wchar_t* pszPrefix;
+    bool bCopied;
+    bool bHasTail;
+    bool bOfInstall;
+};
+
+static const RecordForm kRecordForms[] = {
+    { kFileCopy, true, false, false },         { kFileCopyX64, true, false, false },
+    { kFileCopyPortable, true, false, false }, { kFileCopyIfAbsent, true, false, false },
+    { kFileOverwrite, false, true, false },    { kFileDel, false, true, false },
+    { kMakeDir, false, false, false },         { kMadeDir, false, false, true },
+    { kShellLink, false, false, true },
+};
+
+static const RecordForm* FindForm(const wchar_t* pszLine)
+{
+    for (const RecordForm& form : kRecordForms)
+    {
+        if (FindRecordValue(pszLine, form.pszPrefix) != nullptr)
+            return &form;
+    }
+    return nullptr;
+}
+
+static CString WithoutBlanks(const wchar_t* pszText)
+{
+    CString strText = FoldCase(pszText);
+    strText.Replace(L" ", L"");
+    strText.Replace(L"\t", L"");
+    return strText;
+}
+
+// A prefix that was meant, but for its case or its blanks.
+static const wchar_t* FindNearMiss(const wchar_t* pszLine)
+{
+    const CString strLine = WithoutBlanks(pszLine);
+    for (const RecordForm& form : kRecordForms)
+    {
+        if (FindRecordValue(strLine, WithoutBlanks(form.pszPrefix)) != nullptr)
+            return form.pszPrefix;
+    }
+    return nullptr;
+}
+
+static bool IsAbsolute(const CString& strPath)
+{
+    return strPath.Left(1) == L"\\" || strPath.Left(1) == L"/" || (strPath.GetLength() > 1 && strPath[1] == L':');
+}
+
+static bool IsClimbing(const CString& strPath)
+{
+    CString strParts = L"\\" + strPath + L"\\";
+    strParts.Replace(L'/', L'\\');
+    return strParts.Find(L"\\..\\") >= 0;
+}
+
+static void CheckTarget(CFindings& findings, const ListLine& line, const CString& strSource, const CString& strTarget)
+{
+    if (IsMask(strSource))
+        findings.Add(FINDING_MASK_RENAMED, line.nNumber, line.strText);
+    if (strTarget.IsEmpty())
+        findings.Add(FINDING_EMPTY_TARGET, line.nNumber, line.strText);
+    if (strTarget.Find(L'/') >= 0)
+        findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
+}
+
+static void CheckCopied(CFindings& findings, const ListLine& line, const wchar_t* pszValue)
+{
+    CString strSource;
+    CString strTarget;
+    if (SplitFileValue(pszValue, strSource, strTarget))
+        CheckTarget(findings, line, strSource, strTarget);
+    else if (strSource.Find(L'/') >= 0)
+        findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
+    if (FindRecordValue(line.strText, kFileCopyIfAbsent) != nullptr && strSource.FindOneOf(L"*?\\/") >= 0)
+        findings.Add(FINDING_LIBRARY_TEST, line.nNumber, line.strText);
+}
+
+// A removal cuts the tail off, and so does this where the record may have one.
+static void CheckPaths(CFindings& findings, const ListLine& line, const RecordForm& form)
+{
+    const CString strTaken = GetNameToRemove(line.strText, form.pszPrefix);
+    CString strSource;
+    CString strTarget;
+    SplitFileValue(FindRecordValue(line.strText, form.pszPrefix), strSource, strTarget);
+    const CString strOther = form.bCopied ? strSource : CString();
+    if (IsAbsolute(strTaken) || IsAbsolute(strOther))
+        findings.Add(FINDING_ABSOLUTE, line.nNumber, line.strText);
+    if (IsClimbing(strTaken) || IsClimbing(strOther))
+        findings.Add(FINDING_CLIMBING, line.nNumber, line.strText);
+    if (!form.bHasTail && line.strText.Find(L" | ") >= 0)
+        findings.Add(FINDING_TAIL, line.nNumber, line.strText);
+    if (form.bHasTail && strTaken.Find(L'/') >= 0)
+        findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
+}
+
+static void CheckRecord(CFindings& findings, const ListLine& line, const RecordForm& form)
+{
+    if (form.bOfInstall)
+    {
+        findings.Add(FINDING_INSTALL_MADE, line.nNumber, line.strText);
+        return;
+    }
+    CheckPaths(findings, line, form);
+    if (form.bCopied)
+        CheckCopied(findings, line, FindRecordValue(line.strText, form.pszPrefix));
+}
+
+// A remark may be as long as it likes, unless what is cut off makes a record.
+static bool IsTooLong(const ListLine& line, const ListLine& rest)
+{
+    CString strRest = rest.strText;
+    return rest.bRest && !strRest.Trim().IsEmpty() &&
+           (FindForm(line.strText) != nullptr || FindForm(rest.strText) != nullptr);
+}
+
+static void CheckLines(const std::vector<ListLine>& lines, CFindings& findings)
+{
+    bool bRecords = false;
+    for (size_t i = 0; i < lines.size(); ++i)
+    {
+        const ListLine& line = lines[i];
+        const RecordForm* pForm = FindForm(line.strText);
+        const wchar_t* pszNearMiss = pForm == nullptr && !line.bRest ? FindNearMiss(line.strText) : nullptr;
+        if (pForm != nullptr)
+            CheckRecord(findings, line, *pForm);
+        if (pszNearMiss != nullptr)
+            findings.Add(FINDING_NEAR_MISS, line.nNumber, line.strText, pszNearMiss);
+        if (i > 0 && IsTooLong(lines[i - 1], line))
+            findings.Add(FINDING_LONG_LINE, line.nNumber, lines[i - 1].strText);
+        bRecords = bRecords || pForm != nullptr;
+    }
+    if (!bRecords)
+        findings.Add(FINDING_NO_RECORD, 0, CString());
+}
+
+static void CheckList(const CheckedList& list, CFindings& findings)
+{
+    CheckLines(list.lines, findings);
+    if (list.bByteOrderMark)
+        findings.Add(FINDING_BYTE_ORDER_MARK, 1, CString());
+    if (list.nEndMarkLine > 0)
+        findings.Add(FINDING_END_MARK, list.nEndMarkLine, CString());
+}
+
+// What the setup itself needs beside it, and no record has to name.
+static bool IsOfSetup(const CString& strName)
+{
+    for (const wchar_t* pszName : { L"setup.exe", kFileListName, L"agreement.txt" })
+    {
+        if (strName.CompareNoCase(pszName) == 0)
+            return true;
+    }
+    return false;
+}
+
+// strBelow is the relative folder, empty or with a backslash at its end.
+static void CheckFolder(const Package& package, const CString& strBelow, const std::set<CString>& named,
+                        CFindings& findings)
+{
+    WIN32_FIND_DATAW match;
+    const CString strFolder = package.strFolder + L"\\" + strBelow;
+    const CFindOwner find(FindFirstFileW(strFolder + L"*", &match));
+    if (!find.IsOpen())
+        return;
+    do
+    {
+        const CString strName = strBelow + match.cFileName;
+        if (IsDotName(match.cFileName))
+            continue;
+        if ((match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            CheckFolder(package, strName + L"\\", named, findings);
+        else if (!IsOfSetup(strName) && named.count(FoldPath(strFolder + match.cFileName)) == 0)
+            findings.Add(FINDING_FILE_UNNAMED, 0, strName, strName);
+    } while (FindNextFileW(find, &match));
+}
+
+struct CountedOn
+{
+    const wchar_t* pszPath;
+    FindingKind nKind;
+};
+
+static const CountedOn kCountedOn[] = {
+    { kUninstallerPath, FINDING_UNINSTALLER_MISSING },
+    { kProductExePath, FINDING_COUNTED_ON },
+    { L"\\Lumacap8Man.chm", FINDING_COUNTED_ON },
+    { L"\\ThumbLcp64.dll", FINDING_COUNTED_ON },
+};
+
+static void CheckInstalled(const CFileTree& tree, CFindings& findings)
+{
+    for (const CountedOn& row : kCountedOn)
+    {
+        if (!tree.Exists(CString(kTarget) + row.pszPath))
+            findings.Add(row.nKind, 0, row.pszPath + 1, row.pszPath + 1);
+    }
+}
+
+void CheckPackage(const Package& package, CFindings& findings)
+{
+    CheckList(package.list, findings);
+    std::set<CString> named;
+    for (const InstallKind nKind : { KIND_CURRENT_USER, KIND_ALL_USERS, KIND_PORTABLE })
+    {
+        Plan plan = { nKind, {}, {}, findings };
+        PlanInstall(package, plan);
+        if (nKind != KIND_PORTABLE)
+            CheckInstalled(plan.tree, findings);
+        PlanRemoval(package, plan);
+        named.insert(plan.named.begin(), plan.named.end());
+    }
+    CheckFolder(package, CString(), named, findings);
+    ReadFileVersion(package.strFolder + kProductExePath);
+    if (g_nVerMajor == 0)
+        findings.Add(FINDING_NO_VERSION, 0, kProductExe);
+}

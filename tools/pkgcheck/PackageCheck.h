@@ -1,0 +1,7 @@
+// All that the engine would silently do wrong with a package.
+#pragma once
+
+#include "tools/pkgcheck/PlannedInstall.h"
+
+// Adds the findings of the list's lines, of planned installs and removals of each kind, and of the package's files.
+void CheckPackage(const Package& package, CFindings& findings);

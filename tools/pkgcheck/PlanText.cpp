@@ -1,0 +1,45 @@
+// A plan for people.
+#include "tools/pkgcheck/PlanText.h"
+
+#include "app/Product.h"
+#include "tools/pkgcheck/Output.h"
+#include "tools/pkgcheck/PlannedRemoval.h"
+
+static const wchar_t* TypeOf(const TreeEntry& entry)
+{
+    if (entry.bFolder)
+        return L"folder";
+    if (entry.strSource.IsEmpty())
+        return L"link";
+    if (entry.strPath.CompareNoCase(CString(kTarget) + kFileListPath) == 0)
+        return L"log";
+    if (entry.strPath.CompareNoCase(CString(kTarget) + kUninstallerPath) == 0)
+        return L"uninstaller";
+    return entry.bIfLibraryAbsent ? L"library" : L"file";
+}
+
+static void PrintEntries(const wchar_t* pszTitle, const CFileTree& tree)
+{
+    PrintLine(stdout, pszTitle);
+    const std::vector<TreeEntry> entries = tree.Entries();
+    for (const TreeEntry& entry : entries)
+    {
+        CString strLine;
+        strLine.Format(L"  %-11s  ", TypeOf(entry));
+        PrintLine(stdout, strLine + entry.strPath);
+    }
+    if (entries.empty())
+        PrintLine(stdout, L"  nothing");
+}
+
+void PrintPlan(const Package& package, InstallKind nKind)
+{
+    CFindings findings; // of a check, and not told here
+    Plan plan = { nKind, {}, {}, findings };
+    PlanInstall(package, plan);
+    PrintEntries(L"An install creates:", plan.tree);
+    PlanRemoval(package, plan);
+    PrintEntries(L"A removal leaves:", plan.tree);
+    plan.tree.Boot();
+    PrintEntries(L"The next start of the machine leaves:", plan.tree);
+}

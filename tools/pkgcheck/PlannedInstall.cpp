@@ -1,0 +1,262 @@
+// What an install of a package would make. The functions bear the names of the engine's own, and follow them step by
+// step: what looks odd here is odd there.
+#include "tools/pkgcheck/PlannedInstall.h"
+
+#include <algorithm>
+
+#include "app/Product.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/InstallLog.h"
+
+const wchar_t* ProgramsPlace(InstallKind nKind)
+{
+    return nKind == KIND_ALL_USERS ? L"<common programs>" : L"<user's programs>";
+}
+
+const wchar_t* DesktopPlace(InstallKind nKind)
+{
+    return nKind == KIND_ALL_USERS ? L"<common desktop>" : L"<user's desktop>";
+}
+
+// One record on its way.
+struct RecordCopy
+{
+    const Package& package;
+    Plan& plan;
+    const ListLine& line;
+    bool bIfLibraryAbsent;
+
+    void Report(FindingKind nKind, const CString& strDetail = CString()) const
+    {
+        plan.findings.Add(nKind, line.nNumber, line.strText, strDetail);
+    }
+};
+
+static bool IsRealFolder(const wchar_t* pszPath)
+{
+    const DWORD dwAttributes = GetFileAttributesW(pszPath);
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// The path as the user wrote it: without the place.
+static CString WithoutPlace(const wchar_t* pszPath)
+{
+    const wchar_t* pszRest = wcschr(pszPath, L'\\');
+    return pszRest != nullptr ? pszRest + 1 : pszPath;
+}
+
+static bool CopyOneFile(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    const TreeEntry file = { strTarget, false, strSource, copy.line.nNumber, copy.bIfLibraryAbsent };
+    return !IsRealFolder(strSource) && copy.plan.tree.PutFile(file);
+}
+
+static void LeaveForReboot(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    CFileTree& tree = copy.plan.tree;
+    tree.RemoveAtBoot(strTarget);
+    const CString strNew = strTarget + L".new";
+    tree.RemoveFile(strNew);
+    if (CopyOneFile(copy, strSource, strNew))
+        tree.MoveAtBoot(strNew, strTarget);
+}
+
+// Nothing is in use, so that only a folder in the file's place is ever renamed.
+static void ClearTarget(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    CFileTree& tree = copy.plan.tree;
+    if (!tree.Exists(strTarget) || tree.RemoveFile(strTarget))
+        return;
+    CString strOld = strTarget + L".old";
+    if (tree.Exists(strOld) && !tree.RemoveFile(strOld))
+    {
+        tree.RemoveAtBoot(strOld);
+        strOld += L"2";
+        tree.RemoveFile(strOld);
+    }
+    if (tree.Move(strTarget, strOld))
+        tree.RemoveAtBoot(strOld);
+    else
+        LeaveForReboot(copy, strSource, strTarget);
+}
+
+// A file that landed under the name before, but not of the same source.
+static void ReportOverwritten(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    const TreeEntry* pEarlier = copy.plan.tree.Find(strTarget);
+    if (pEarlier != nullptr && !pEarlier->bFolder && FoldPath(pEarlier->strSource) != FoldPath(strSource))
+        copy.Report(FINDING_WRITTEN_TWICE, pEarlier->strSource.Mid(copy.package.strFolder.GetLength() + 1));
+}
+
+static bool ReplaceOneFile(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    if (!PathExists(strSource))
+        return false;
+    ReportOverwritten(copy, strSource, strTarget);
+    ClearTarget(copy, strSource, strTarget);
+    return CopyOneFile(copy, strSource, strTarget);
+}
+
+static void ReportRenamed(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
+{
+    const CFileTree& tree = copy.plan.tree;
+    const CString strFolder = CutLastPart(strTarget);
+    if (!PathExists(strSource))
+        copy.Report(FINDING_NO_MATCH);
+    else if (!tree.IsFolder(strFolder))
+        copy.Report(FINDING_RENAMED_TOO_EARLY, strFolder == kTarget ? strFolder : WithoutPlace(strFolder));
+    else if (tree.IsFolder(strTarget))
+        copy.Report(FINDING_TARGET_IS_FOLDER, WithoutPlace(strTarget));
+}
+
+static void NoteNamed(const RecordCopy& copy, const CString& strFile)
+{
+    copy.plan.named.insert(FoldPath(strFile));
+}
+
+static void CopyRenamed(const RecordCopy& copy, const CString& strName, const CString& strTarget)
+{
+    const CString strSource = WithSeparator(copy.package.strFolder) + strName;
+    ReportRenamed(copy, strSource, strTarget);
+    NoteNamed(copy, strSource);
+    ReplaceOneFile(copy, strSource, strTarget);
+}
+
+static CString GetMatchTarget(const CString& strMask, const wchar_t* pszTargetFolder)
+{
+    CString strTarget = WithSeparator(pszTargetFolder) + strMask;
+    strTarget.Replace(L'/', L'\\');
+    return strTarget.Left(strTarget.ReverseFind(L'\\') + 1);
+}
+
+static void MakeFolders(const RecordCopy& copy, CString strFolder)
+{
+    strFolder.Trim(L" \t\r\n\\");
+    for (int i = strFolder.Find(L'\\'); i >= 0; i = strFolder.Find(L'\\', i + 1))
+        copy.plan.tree.MakeFolder(strFolder.Left(i), copy.line.nNumber);
+    copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
+}
+
+// The files behind one that failed aren't copied, but the record names them.
+static void CopyMatches(const RecordCopy& copy, HANDLE hFind, WIN32_FIND_DATAW match, const CString& strPattern,
+                        const CString& strSourceFolder, const CString& strTarget)
+{
+    const CString strFound = strPattern.Left(std::max(strPattern.ReverseFind(L'\\'), strPattern.ReverseFind(L'/')) + 1);
+    bool bGoesOn = true;
+    do
+    {
+        const bool bFolder = (match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        if (IsDotName(match.cFileName))
+            continue;
+        if (bFolder)
+            copy.Report(FINDING_FOLDER_CAUGHT, match.cFileName);
+        else
+            NoteNamed(copy, strFound + match.cFileName);
+        bGoesOn = bGoesOn &&
+                  ReplaceOneFile(copy, WithSeparator(strSourceFolder) + match.cFileName, strTarget + match.cFileName);
+    } while (FindNextFileW(hFind, &match));
+}
+
+static void CopyMatchingFiles(const RecordCopy& copy, const CString& strMask, const wchar_t* pszTargetFolder)
+{
+    const CString strPattern = WithSeparator(copy.package.strFolder) + strMask;
+    WIN32_FIND_DATAW match;
+    const CFindOwner find(FindFirstFileW(strPattern, &match));
+    if (!find.IsOpen())
+    {
+        copy.Report(FINDING_NO_MATCH);
+        return;
+    }
+
+    const CString strTarget = GetMatchTarget(strMask, pszTargetFolder);
+    if (!copy.plan.tree.Exists(strTarget))
+        MakeFolders(copy, strTarget);
+    const CString strSourceFolder =
+        strMask.Find(L'\\') >= 0 ? strPattern.Left(strPattern.ReverseFind(L'\\')) : copy.package.strFolder;
+    CopyMatches(copy, find, match, strPattern, strSourceFolder, strTarget);
+}
+
+static void CopyRecord(const RecordCopy& copy, const wchar_t* pszValue, const wchar_t* pszTargetFolder)
+{
+    CString strSource;
+    CString strTarget;
+    if (SplitFileValue(pszValue, strSource, strTarget))
+        CopyRenamed(copy, strSource, WithSeparator(pszTargetFolder) + strTarget);
+    else
+        CopyMatchingFiles(copy, strSource, pszTargetFolder);
+}
+
+static void CopyToTarget(const RecordCopy& copy, const wchar_t* pszValue)
+{
+    CopyRecord(copy, pszValue, kTarget);
+}
+
+static void CopyBesideTarget(const RecordCopy& copy, const wchar_t* pszValue)
+{
+    CopyRecord(copy, pszValue, kBeside);
+}
+
+static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
+{
+    const CString strFolder = CString(kTarget) + L"\\" + pszValue;
+    const CString strParent = CutLastPart(strFolder);
+    if (!copy.plan.tree.IsFolder(strParent))
+        copy.Report(FINDING_MADE_TOO_EARLY, strParent == kTarget ? strParent : WithoutPlace(strParent));
+    copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
+}
+
+struct PlannedAction
+{
+    const wchar_t* pszPrefix;
+    bool bPortableOnly;
+    bool bIfLibraryAbsent; // a portable install doesn't ask
+    void (*pfnAct)(const RecordCopy& copy, const wchar_t* pszValue);
+};
+
+// The 64-bit records are for portable installs too: no 64-bit program takes itself for a 32-bit one.
+static const PlannedAction kActions[] = {
+    { kFileCopy, false, false, CopyToTarget },
+    { kFileCopyX64, true, false, CopyToTarget },
+    { kFileCopyPortable, true, false, CopyBesideTarget },
+    { kFileCopyIfAbsent, false, true, CopyToTarget },
+    { kMakeDir, false, false, MakeDirectory },
+};
+
+static void ProcessLine(const Package& package, Plan& plan, const ListLine& line)
+{
+    const bool bPortable = plan.nKind == KIND_PORTABLE;
+    for (const PlannedAction& row : kActions)
+    {
+        const wchar_t* pszValue = FindRecordValue(line.strText, row.pszPrefix);
+        if (pszValue != nullptr && (bPortable || !row.bPortableOnly))
+            row.pfnAct({ package, plan, line, row.bIfLibraryAbsent && !bPortable }, pszValue);
+    }
+}
+
+static void MakeLink(CFileTree& tree, const CString& strFolder, const wchar_t* pszName)
+{
+    tree.PutFile({ strFolder + L"\\" + pszName + kLinkExtension, false, CString() });
+}
+
+static void MakeLinks(Plan& plan)
+{
+    const CString strGroup = CString(ProgramsPlace(plan.nKind)) + L"\\" + kProductName;
+    plan.tree.MakeFolder(strGroup);
+    MakeLink(plan.tree, strGroup, kProductName);
+    MakeLink(plan.tree, strGroup, L"Lumacap 8 Help");
+    MakeLink(plan.tree, DesktopPlace(plan.nKind), kProductName);
+}
+
+void PlanInstall(const Package& package, Plan& plan)
+{
+    for (const ListLine& line : package.list.lines)
+        ProcessLine(package, plan, line);
+
+    // The list goes along whether a record names it or not.
+    const CString strList = CString(kTarget) + kFileListPath;
+    plan.tree.MakeFolder(kTarget);
+    plan.tree.RemoveFile(strList);
+    plan.tree.PutFile({ strList, false, package.strFolder + kFileListPath });
+    if (plan.nKind != KIND_PORTABLE)
+        MakeLinks(plan);
+}

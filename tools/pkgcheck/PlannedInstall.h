@@ -1,0 +1,32 @@
+// What an install of a package would make, told without making it: the engine's steps over the package's real files and
+// a planned machine. A first installation in its usual way: the target isn't there, the group has its default name,
+// the desktop link is wanted and the startup link isn't. Of the machine's libraries it is taken that none is there.
+#pragma once
+
+#include <set>
+
+#include "app/RunState.h"
+#include "tools/pkgcheck/CheckedList.h"
+#include "tools/pkgcheck/FileTree.h"
+#include "tools/pkgcheck/Findings.h"
+
+// The places of the group and of the desktop link, by kind; a portable install has none.
+const wchar_t* ProgramsPlace(InstallKind nKind);
+const wchar_t* DesktopPlace(InstallKind nKind);
+
+struct Package
+{
+    CString strFolder;
+    CheckedList list;
+};
+
+struct Plan
+{
+    InstallKind nKind;
+    CFileTree tree;
+    std::set<CString> named; // the package's files that a record met, folded paths relative to its folder
+    CFindings& findings;
+};
+
+// Carries the install out on the plan's tree, and notes what goes wrong with each record.
+void PlanInstall(const Package& package, Plan& plan);

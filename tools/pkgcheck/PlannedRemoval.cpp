@@ -1,0 +1,166 @@
+// What a removal would take of a planned installation. Like the install, it follows the engine step by step.
+#include "tools/pkgcheck/PlannedRemoval.h"
+
+#include "app/Product.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/InstallLog.h"
+
+static const wchar_t* const kRemovedPrefixes[] = {
+    kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
+};
+
+// The name that a removal takes from the line; false for one that isn't a file record.
+static bool FindNameToRemove(const ListLine& line, CString& strName)
+{
+    for (const wchar_t* pszPrefix : kRemovedPrefixes)
+    {
+        if (FindRecordValue(line.strText, pszPrefix) == nullptr)
+            continue;
+        strName = GetNameToRemove(line.strText, pszPrefix);
+        return true;
+    }
+    return false;
+}
+
+static CString InTarget(const wchar_t* pszName)
+{
+    return CString(kTarget) + L"\\" + pszName;
+}
+
+// The list that is being worked through is open and can't be removed. Like the engine, this loses the folder of a mask
+// with a forward slash, and doesn't pass over "." and "..".
+static void DeleteMatchingFiles(Plan& plan, const ListLine& line, const CString& strMask, const CString& strOpenList)
+{
+    const CString strFolder = InTarget(strMask.Left(strMask.ReverseFind(L'\\') + 1));
+    for (const CString& strName : plan.tree.Match(InTarget(strMask)))
+    {
+        const CString strPath = strFolder + strName;
+        const bool bOpen = FoldPath(strPath) == FoldPath(strOpenList);
+        if (bOpen)
+            plan.findings.Add(FINDING_LIST_NAMED, line.nNumber, line.strText);
+        if (bOpen || !plan.tree.RemoveFile(strPath))
+            plan.tree.RemoveAtBoot(strPath);
+    }
+}
+
+static void RemoveLoggedFiles(Plan& plan, const CheckedList& list, const CString& strOpenList)
+{
+    CString strName;
+    for (const ListLine& line : list.lines)
+    {
+        if (FindNameToRemove(line, strName))
+            DeleteMatchingFiles(plan, line, strName, strOpenList);
+    }
+    for (const ListLine& line : list.lines)
+    {
+        const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
+        if (pszFolder != nullptr && !plan.tree.RemoveFolder(InTarget(pszFolder)))
+            plan.tree.RemoveAtBoot(InTarget(pszFolder));
+    }
+}
+
+// A list of the second name that the package brought along.
+static void RemoveBySecondList(Plan& plan)
+{
+    const CString strSecondList = CString(kTarget) + kSecondListPath;
+    const TreeEntry* pSecondList = plan.tree.Find(strSecondList);
+    if (pSecondList != nullptr)
+        RemoveLoggedFiles(plan, ReadCheckedList(CString(pSecondList->strSource)), strSecondList);
+}
+
+static void RemoveLinks(Plan& plan)
+{
+    for (const TreeEntry& entry : plan.tree.Entries())
+    {
+        if (entry.strPath.Right(4) == kLinkExtension && entry.strSource.IsEmpty())
+            plan.tree.RemoveFile(entry.strPath);
+    }
+    plan.tree.RemoveFolder(CString(ProgramsPlace(plan.nKind)) + L"\\" + kProductName);
+}
+
+static void RemoveFolders(CFileTree& tree)
+{
+    if (!tree.RemoveFolder(InTarget(L"x64")))
+        tree.RemoveAtBoot(InTarget(L"x64"));
+    if (!tree.RemoveFolder(InTarget(L"x32")) && tree.Exists(InTarget(L"x32")))
+        tree.RemoveAtBoot(InTarget(L"x32"));
+    if (!tree.RemoveFolder(kTarget) && tree.Exists(InTarget(L"x32")))
+        tree.RemoveAtBoot(kTarget);
+}
+
+// The record of a folder that lies in the given one.
+static const ListLine* FindRecordBelow(const CheckedList& list, const CString& strFolder, int nBehindLine)
+{
+    const CString strBelow = FoldPath(strFolder) + L"\\";
+    for (const ListLine& line : list.lines)
+    {
+        const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
+        if (pszFolder != nullptr && line.nNumber > nBehindLine &&
+            FoldPath(InTarget(pszFolder)).Left(strBelow.GetLength()) == strBelow)
+            return &line;
+    }
+    return nullptr;
+}
+
+// Folders that stay, though nothing is left in them, since another one was in them when it was their turn.
+static void ReportParentsFirst(const CheckedList& list, Plan& plan)
+{
+    for (const ListLine& line : list.lines)
+    {
+        const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
+        const CString strFolder = pszFolder != nullptr ? InTarget(pszFolder) : CString();
+        if (pszFolder == nullptr || !plan.tree.IsFolder(strFolder) || plan.tree.HoldsFile(strFolder))
+            continue;
+        if (const ListLine* pBelow = FindRecordBelow(list, strFolder, line.nNumber))
+            plan.findings.Add(FINDING_PARENT_FIRST, line.nNumber, line.strText,
+                              FindRecordValue(pBelow->strText, kMakeDir));
+    }
+}
+
+static bool IsNamedFolder(const CheckedList& list, const CString& strFolder)
+{
+    for (const ListLine& line : list.lines)
+    {
+        const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
+        if (pszFolder != nullptr && FoldPath(InTarget(pszFolder)) == FoldPath(strFolder))
+            return true;
+    }
+    return false;
+}
+
+// The line of the copy that made the folder; null if it was another record, or none.
+static const ListLine* FindCopyThatMade(const CheckedList& list, const TreeEntry& folder)
+{
+    for (const ListLine& line : list.lines)
+    {
+        if (line.nNumber == folder.nLine && FindRecordValue(line.strText, kMakeDir) == nullptr)
+            return &line;
+    }
+    return nullptr;
+}
+
+static void ReportUnnamedFolders(const CheckedList& list, Plan& plan)
+{
+    const CString strBelow = InTarget(L"");
+    for (const TreeEntry& entry : plan.tree.Entries())
+    {
+        const ListLine* pLine = entry.bFolder ? FindCopyThatMade(list, entry) : nullptr;
+        if (pLine != nullptr && entry.strPath.Left(strBelow.GetLength()) == strBelow &&
+            !plan.tree.HoldsFile(entry.strPath) && !IsNamedFolder(list, entry.strPath))
+            plan.findings.Add(FINDING_FOLDER_UNNAMED, pLine->nNumber, pLine->strText,
+                              entry.strPath.Mid(strBelow.GetLength()));
+    }
+}
+
+void PlanRemoval(const Package& package, Plan& plan)
+{
+    const CString strList = CString(kTarget) + kFileListPath;
+    plan.tree.RemoveFile(CString(kTarget) + kUninstallerPath);
+    RemoveLinks(plan);
+    RemoveBySecondList(plan);
+    RemoveLoggedFiles(plan, package.list, strList);
+    plan.tree.RemoveFile(strList);
+    RemoveFolders(plan.tree);
+    ReportParentsFirst(package.list, plan);
+    ReportUnnamedFolders(package.list, plan);
+}
