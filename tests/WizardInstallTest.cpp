@@ -122,6 +122,7 @@ TEST_F(WizardInstall, SilentInstallWithReportOpensOnTheReportAlone)
     EXPECT_EQ(m_wizard->Text(IDC_START_RUN), L"Run Lumacap");
     EXPECT_TRUE(IsThere(m_strTarget + L"\\LumUnInst.log"));
     Finish();
+    EXPECT_TRUE(AwaitStarts({ L" -regonly" })); // it would end with the run that started it
 
     // A file in use: the restart isn't wanted, and then nothing follows at all.
     const CFileHold hold(m_strTarget + L"\\capff.json", FILE_SHARE_READ);
