@@ -91,8 +91,15 @@ bool CProcessRun::Start()
     for (const auto& variable : m_environment)
         SetEnvironmentVariableW(variable.first.c_str(), variable.second.c_str());
     std::wstring strCommandLine = m_strCommandLine; // the call may write into it
-    const BOOL bStarted = CreateProcessW(nullptr, &strCommandLine[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
-                                         m_strFolder.empty() ? nullptr : m_strFolder.c_str(), &startup, &m_process);
+    const auto create = [&]
+    {
+        return CreateProcessW(nullptr, &strCommandLine[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
+                              m_strFolder.empty() ? nullptr : m_strFolder.c_str(), &startup, &m_process);
+    };
+    // Once in some thousand starts on a busy host the call fails so, before any of the program has run.
+    BOOL bStarted = create();
+    if (!bStarted && GetLastError() == ERROR_INTERNAL_ERROR)
+        bStarted = create();
     EXPECT_TRUE(bStarted) << testing::PrintToString(m_strCommandLine) << ": error " << GetLastError();
     for (const auto& variable : m_environment)
         SetEnvironmentVariableW(variable.first.c_str(), nullptr);
