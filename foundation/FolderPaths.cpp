@@ -45,8 +45,11 @@ bool IsDotName(const wchar_t* pszName)
 
 bool DeleteProtectedFile(const wchar_t* pszPath)
 {
+    // Most files have neither bit. Writing back what was read would cost as much as the deletion itself.
+    const DWORD dwProtection = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
     const DWORD dwAttributes = GetFileAttributesW(pszPath);
-    SetFileAttributesW(pszPath, dwAttributes & ~(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+    if (dwAttributes & dwProtection)
+        SetFileAttributesW(pszPath, dwAttributes & ~dwProtection);
     return DeleteFileW(pszPath) != FALSE;
 }
 
