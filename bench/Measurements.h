@@ -1,0 +1,28 @@
+// What the benchmark measures. Each function writes its results to standard output, a line each, of fields parted by
+// tabs: the name, the size, the program's figure and its plain counterpart's. Times are in microseconds.
+#pragma once
+
+#include <string>
+
+// Install and removal by the engine in this process, against bare loops over the same files.
+void MeasureFiles(const std::wstring& strFolder, int nFiles, int nPairs);
+
+// The platform's calls one by one, in microseconds a call; the counterpart is CopyFileW or DeleteFileW.
+void MeasureCalls(const std::wstring& strFolder, int nFiles);
+
+// The walk of a list at install and its replay at removal, where no record finds a file.
+void MeasureLines(const std::wstring& strFolder, int nLines, int nPairs);
+
+// setup.exe and LumUnInst.exe as processes, with a package of that many files, against the plain program.
+// strProduct is the folder of the sample package, strPrograms that of the plain program.
+void MeasureProcesses(const std::wstring& strFolder, int nFiles, int nPairs, const std::wstring& strProduct,
+                      const std::wstring& strPrograms);
+
+// Peak working sets in bytes, against that of the empty program.
+void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct, const std::wstring& strPrograms);
+
+// The peak working set of setup.exe that works through a list of that many lines; no counterpart.
+void MeasureListMemory(const std::wstring& strFolder, const std::wstring& strProduct, int nLines);
+
+// Writes one result.
+void Report(const char* pszName, int nSize, double dProgram, double dPlain);

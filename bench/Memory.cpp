@@ -1,0 +1,90 @@
+// Peak working sets, read again and again until a program ends: the peak only grows, so that the last reading misses
+// no more than the last millisecond.
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <algorithm>
+
+#include "app/RunState.h"
+#include "bench/Measurements.h"
+#include "bench/Package.h"
+#include "bench/Processes.h"
+
+static double PeakOf(HANDLE hProcess)
+{
+    PROCESS_MEMORY_COUNTERS counters = {};
+    return K32GetProcessMemoryInfo(hProcess, &counters, sizeof(counters))
+               ? static_cast<double>(counters.PeakWorkingSetSize)
+               : 0;
+}
+
+static double PeakUntilEnd(const CProgram& program)
+{
+    double dPeak = 0;
+    do
+        dPeak = std::max(dPeak, PeakOf(program.Process()));
+    while (WaitForSingleObject(program.Process(), 1) == WAIT_TIMEOUT);
+    program.WaitForFamily();
+    return dPeak;
+}
+
+static BOOL CALLBACK FindVisibleWindow(HWND hWnd, LPARAM lParam)
+{
+    DWORD nId = 0;
+    GetWindowThreadProcessId(hWnd, &nId);
+    if (nId != *reinterpret_cast<DWORD*>(lParam) || !IsWindowVisible(hWnd))
+        return TRUE;
+    *reinterpret_cast<DWORD*>(lParam) = 0;
+    return FALSE;
+}
+
+// Ten seconds at most until the first page stands, and a second for it to be painted.
+static double PeakOfFirstPage(const std::wstring& strSetup)
+{
+    const CProgram wizard(L"\"" + strSetup + L"\"");
+    DWORD nId = wizard.Id();
+    for (int i = 0; i < 500 && nId != 0; ++i)
+    {
+        Sleep(20);
+        EnumWindows(FindVisibleWindow, reinterpret_cast<LPARAM>(&nId));
+    }
+    WaitForInputIdle(wizard.Process(), 1000);
+    Sleep(1000);
+    const double dPeak = nId == 0 ? PeakOf(wizard.Process()) : 0;
+    wizard.End();
+    g_InstanceManager.ResetInstanceList(); // the ended wizard is still in it
+    return dPeak;
+}
+
+void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct, const std::wstring& strPrograms)
+{
+    const int kRounds = 3;
+    const std::wstring strTarget = strFolder + L"\\target";
+    const std::wstring strSetup = strFolder + L"\\package\\setup.exe";
+    CreateDirectoryW(strFolder.c_str(), nullptr);
+    MakeProductPackage(strFolder + L"\\package", strProduct, 100);
+    for (int i = 0; i < kRounds; ++i)
+    {
+        const double dEmpty = PeakUntilEnd(CProgram(strPrograms + L"\\empty.exe"));
+        const double dSilent =
+            PeakUntilEnd(CProgram(L"\"" + strSetup + L"\" -install -s -instdir \"" + strTarget + L"\""));
+        const double dPortable =
+            PeakUntilEnd(CProgram(L"\"" + strSetup + L"\" -install -s -instport \"" + strTarget + L"\""));
+        Report("peak-silent", 100, dSilent, dEmpty);
+        Report("peak-portable", 100, dPortable, dEmpty);
+        const double dPage = PeakOfFirstPage(strSetup);
+        Report("peak-page", 100, dPage, dEmpty);
+        Report("peak-page-to-window", 100, dPage, PeakUntilEnd(CProgram(strPrograms + L"\\empty.exe window")));
+    }
+}
+
+void MeasureListMemory(const std::wstring& strFolder, const std::wstring& strProduct, int nLines)
+{
+    const std::wstring strPackage = strFolder + L"\\package";
+    CreateDirectoryW(strFolder.c_str(), nullptr);
+    MakeProductPackage(strPackage, strProduct, 0);
+    WriteIdleList(strPackage + L"\\LumUnInst.log", nLines);
+    const CProgram setup(L"\"" + strPackage + L"\\setup.exe\" -install -s -instport \"" + strFolder + L"\\target\"");
+    Report("peak-list", nLines, PeakUntilEnd(setup), 0);
+}

@@ -1,0 +1,17 @@
+// The plain counterparts: what the same work costs in bare loops of the platform's calls, with no engine around them.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+// Makes the target folder and those in it and copies by CopyFileW the files from the first number up to the last, that
+// one left out. Both are multiples of kFilesInFolder.
+void PlainCopy(const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast);
+
+// Deletes the files of these numbers by DeleteFileW, then their folders by RemoveDirectoryW; the folder itself stays.
+void PlainRemove(const std::wstring& strFolder, int nFirst, int nLast);
+
+// Reads the list by fgetws and looks by FindFirstFileW, in the folder, for the file of each line that begins with one
+// of the prefixes: what finds nothing needs no more.
+void PlainWalk(const std::wstring& strList, const std::wstring& strFolder,
+               std::initializer_list<const wchar_t*> prefixes);

@@ -1,0 +1,63 @@
+#!/bin/bash
+# Measures the program against plain counterparts, in time, memory and size, on a throwaway Windows machine, and writes
+# build/bench/report.md with a plot. Fails if a bound is missed. usage: bench.sh [PAIRS]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+tools/prerequisites.sh gnuplot-nox
+. tools/machine.sh
+pairs=${1:-9}
+bench=$PWD/build/bench
+started=$SECONDS
+
+tell() { printf '%4d s  %s\n' $((SECONDS - started)) "$1"; }
+
+# usage: measure WHAT NUMBER...   in a folder of its own on the machine, which goes afterwards; results are appended
+measure() {
+    tell "$*"
+    machine_run "$PWD/build/release/bench/measure.exe" "$1" 'C:\bench' "${@:2}" >>"$bench/results.tsv" ||
+        { cat "$machine_dir/stderr"; exit 1; }
+    rm -rf "$WINEPREFIX/drive_c/bench"
+}
+
+# The sources as they stand here, built in another folder from nothing, with no cache of compilations.
+build_again() {
+    tell 'a second build of setup.exe in another folder (about a minute)'
+    mkdir -p "$bench/second"
+    git ls-files -z --cached --others --exclude-standard | tar --null -cf - -T - | tar -xf - -C "$bench/second"
+    (
+        cd "$bench/second"
+        unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+        export CCACHE_DISABLE=1
+        cmake --preset release >/dev/null
+        cmake --build --preset release --target setup -- --quiet
+    )
+}
+
+echo 'Benchmark: about 7 minutes on a machine that does nothing else'
+rm -rf "$bench"
+mkdir -p "$bench"
+tools/build.sh release
+cmake --build --preset release --target bench -- --quiet
+build_again
+
+machine_start bench
+trap machine_stop EXIT
+programs=("Z:$PWD/build/package" "Z:$PWD/build/release/bench")
+for files in 200 400 1000; do measure files $files 3; done
+measure files 2000 "$pairs"
+measure calls 2000
+for lines in 25000 50000; do measure lines $lines 3; done
+# Long and short lists take turns, since each is measured against the other.
+for _ in $(seq "$pairs"); do
+    measure lines 10000 1
+    measure lines 100000 1
+done
+for lines in 10000 100000; do measure list-memory "${programs[0]}" $lines; done
+measure memory "${programs[@]}"
+measure processes 2000 "$pairs" "${programs[@]}"
+
+tell 'planted libraries'
+planted=0
+ctest --preset release -R '^PlantedLibrary$' >"$bench/planted.txt" || planted=1
+tell 'report'
+python3 tools/bench-report.py build/setup.exe "$bench/second/build/release/out/setup.exe" "$planted" "$bench"
