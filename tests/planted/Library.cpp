@@ -1,15 +1,34 @@
-// Stands in for a library that somebody planted beside a program: once loaded it leaves a file beside itself.
+// Stands in for a library that somebody planted beside a program. It leaves a file beside itself when it is loaded, and
+// another one when a function of the version library is called in it.
 #include <windows.h>
 
 #include <wchar.h>
 
+static HINSTANCE g_hInstance;
+
+static void LeaveTrace(const wchar_t* pszEnd)
+{
+    wchar_t szTrace[MAX_PATH + 8] = L"";
+    GetModuleFileNameW(g_hInstance, szTrace, MAX_PATH);
+    wcscat_s(szTrace, MAX_PATH + 8, pszEnd);
+    CloseHandle(CreateFileW(szTrace, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+}
+
+// The Wine layer's own USER32 asks for the version of each program that starts, in whatever library of that name it has
+// got; what counts is a question about any other file.
+extern "C" __declspec(dllexport) DWORD WINAPI GetFileVersionInfoSizeW(LPCWSTR pszFile, LPDWORD)
+{
+    wchar_t szProgram[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, szProgram, MAX_PATH);
+    if (_wcsicmp(pszFile, szProgram) != 0)
+        LeaveTrace(L".called");
+    return 0;
+}
+
 BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD nReason, LPVOID)
 {
-    if (nReason != DLL_PROCESS_ATTACH)
-        return TRUE;
-    wchar_t szTrace[MAX_PATH + 8] = L"";
-    GetModuleFileNameW(hInstance, szTrace, MAX_PATH);
-    wcscat_s(szTrace, MAX_PATH + 8, L".loaded");
-    CloseHandle(CreateFileW(szTrace, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    g_hInstance = hInstance;
+    if (nReason == DLL_PROCESS_ATTACH)
+        LeaveTrace(L".loaded");
     return TRUE;
 }

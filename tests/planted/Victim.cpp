@@ -1,11 +1,19 @@
-// A careless program: it loads libraries by their bare names, which it is given, and so takes those beside it.
+// A careless program: it loads libraries by their bare names, which it is given, and so takes those beside it, and asks
+// them for a version. Without a name it is innocent, and loads just what the platform needs for any windowed program.
 #include <windows.h>
 
 #include <stdlib.h>
 
+#include "foundation/BoundFunction.h"
+
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
 {
     for (int i = 1; i < __argc; ++i)
-        LoadLibraryW(__wargv[i]);
-    return 0;
+    {
+        const auto pfnSize =
+            FindFunction<decltype(&GetFileVersionInfoSizeW)>(LoadLibraryW(__wargv[i]), "GetFileVersionInfoSizeW");
+        if (pfnSize != nullptr)
+            pfnSize(L"a file", nullptr);
+    }
+    return GetDesktopWindow() == nullptr;
 }
