@@ -38,7 +38,7 @@ protected:
     static void PlantIn(const std::wstring& strFolder)
     {
         for (const wchar_t* pszName : kPlanted)
-            CopyOneFile(BuildFolder() + L"\\release\\tests\\planted.dll", strFolder + L"\\" + pszName + L".dll");
+            CopyOneFile(BuildFolder() + L"\\tests\\planted.dll", strFolder + L"\\" + pszName + L".dll");
     }
 
     // The traces in the folder, each with a blank behind it: what was loaded there, and what was used. They go.
@@ -57,7 +57,7 @@ protected:
     {
         const std::wstring strFolder = At(L"victim");
         MakeFolder(strFolder);
-        CopyOneFile(BuildFolder() + L"\\release\\tests\\victim.exe", strFolder + L"\\victim.exe");
+        CopyOneFile(BuildFolder() + L"\\tests\\victim.exe", strFolder + L"\\victim.exe");
         PlantIn(strFolder);
         EXPECT_EQ(RunToEnd(strFolder + L"\\victim.exe " + strNames), 0u);
         return TakenIn(strFolder);
