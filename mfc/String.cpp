@@ -245,13 +245,6 @@ CStringT<T>& CStringT<T>::operator=(PCXSTR pszSrc)
 }
 
 template <typename T>
-CStringT<T>& CStringT<T>::operator=(XCHAR ch)
-{
-    Splice(0, m_nLength, &ch, 1);
-    return *this;
-}
-
-template <typename T>
 CStringT<T>& CStringT<T>::operator+=(const CStringT& strSrc)
 {
     Append(strSrc.m_pszData, strSrc.m_nLength);
@@ -268,7 +261,7 @@ CStringT<T>& CStringT<T>::operator+=(PCXSTR pszSrc)
 template <typename T>
 CStringT<T>& CStringT<T>::operator+=(XCHAR ch)
 {
-    AppendChar(ch);
+    Append(&ch, 1);
     return *this;
 }
 
@@ -305,12 +298,6 @@ template <typename T>
 void CStringT<T>::Append(PCXSTR pszSrc, int nLength)
 {
     Splice(m_nLength, 0, pszSrc, nLength);
-}
-
-template <typename T>
-void CStringT<T>::AppendChar(XCHAR ch)
-{
-    Append(&ch, 1);
 }
 
 template <typename T>

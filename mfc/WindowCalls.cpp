@@ -67,11 +67,6 @@ BOOL CWnd::IsWindowEnabled() const
     return ::IsWindowEnabled(m_hWnd);
 }
 
-BOOL CWnd::IsWindowVisible() const
-{
-    return ::IsWindowVisible(m_hWnd);
-}
-
 BOOL CWnd::ShowWindow(int nCmdShow)
 {
     return ::ShowWindow(m_hWnd, nCmdShow);
@@ -92,19 +87,9 @@ void CWnd::GetWindowRect(LPRECT lpRect) const
     ::GetWindowRect(m_hWnd, lpRect);
 }
 
-void CWnd::GetClientRect(LPRECT lpRect) const
-{
-    ::GetClientRect(m_hWnd, lpRect);
-}
-
 void CWnd::ScreenToClient(LPRECT lpRect) const
 {
     MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT*>(lpRect), 2);
-}
-
-void CWnd::ScreenToClient(LPPOINT lpPoint) const
-{
-    ::ScreenToClient(m_hWnd, lpPoint);
 }
 
 void CWnd::UpdateWindow()
@@ -120,11 +105,4 @@ LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam)
 BOOL CWnd::PostMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     return ::PostMessageW(m_hWnd, message, wParam, lParam);
-}
-
-int CWnd::MessageBox(LPCTSTR lpszText, LPCTSTR lpszCaption, UINT nType)
-{
-    if (!lpszCaption && AfxGetApp())
-        lpszCaption = AfxGetApp()->m_pszAppName;
-    return ::MessageBoxW(m_hWnd, lpszText, lpszCaption, nType);
 }

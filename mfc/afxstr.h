@@ -25,7 +25,6 @@ public:
     CStringT& operator=(const CStringT& strSrc);
     CStringT& operator=(CStringT&& strSrc) noexcept;
     CStringT& operator=(PCXSTR pszSrc);
-    CStringT& operator=(XCHAR ch);
     CStringT& operator+=(const CStringT& strSrc);
     CStringT& operator+=(PCXSTR pszSrc);
     CStringT& operator+=(XCHAR ch);
@@ -44,7 +43,6 @@ public:
 
     void Append(PCXSTR pszSrc);
     void Append(PCXSTR pszSrc, int nLength);
-    void AppendChar(XCHAR ch);
 
     // Each gives the index found, or -1. Texts with zeros are searched up to the first zero.
     int Find(XCHAR ch, int iStart = 0) const;

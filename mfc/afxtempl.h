@@ -11,9 +11,7 @@ public:
     virtual ~CArray() { delete[] m_pData; }
 
     INT_PTR GetSize() const { return m_nSize; }
-    INT_PTR GetCount() const { return m_nSize; }
     bool IsEmpty() const { return m_nSize == 0; }
-    INT_PTR GetUpperBound() const { return m_nSize - 1; }
 
     // Elements that come into being are zero or empty. nGrowBy is how many to make room for when the array has to
     // grow; without it the array decides.

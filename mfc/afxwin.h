@@ -201,18 +201,14 @@ public:
     void SetWindowText(LPCTSTR lpszString);
     BOOL EnableWindow(BOOL bEnable = TRUE);
     BOOL IsWindowEnabled() const;
-    BOOL IsWindowVisible() const;
     BOOL ShowWindow(int nCmdShow);
     CWnd* SetFocus();
     BOOL SetWindowPos(const CWnd* pWndInsertAfter, int x, int y, int cx, int cy, UINT nFlags);
     void GetWindowRect(LPRECT lpRect) const;
-    void GetClientRect(LPRECT lpRect) const;
     void ScreenToClient(LPRECT lpRect) const;
-    void ScreenToClient(LPPOINT lpPoint) const;
     void UpdateWindow();
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-    int MessageBox(LPCTSTR lpszText, LPCTSTR lpszCaption = NULL, UINT nType = MB_OK);
 
     // Moves data between controls and members through DoDataExchange: to the members if bSaveAndValidate. False if a
     // control is missing.
@@ -246,10 +242,6 @@ private:
 class CButton : public CWnd
 {
     DECLARE_DYNAMIC(CButton)
-
-public:
-    int GetCheck() const;
-    void SetCheck(int nCheck);
 };
 
 class CStatic : public CWnd
@@ -260,9 +252,6 @@ class CStatic : public CWnd
 class CEdit : public CWnd
 {
     DECLARE_DYNAMIC(CEdit)
-
-public:
-    void SetSel(int nStartChar, int nEndChar, BOOL bNoScroll = FALSE);
 };
 
 // A dialog, modal by DoModal or modeless by Create. The keyboard is the platform's: a page that is a child dialog with
