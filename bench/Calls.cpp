@@ -35,8 +35,8 @@ void MeasureCalls(const std::wstring& strFolder, int nFiles)
     {
         const double dCopy = TimeOf([&] { PlainCopy(strPackage, strTarget, 0, nFiles); }) / nFiles;
         const auto find = [](const std::wstring& str) { FindOne(str); };
-        const auto attributes = [](const std::wstring& str) { GetFileAttributesW(str.c_str()); };
-        const auto missing = [](const std::wstring& str) { GetFileAttributesW((str + L"x").c_str()); };
+        const auto attributes = [](const std::wstring& str) { return GetFileAttributesW(str.c_str()); };
+        const auto missing = [](const std::wstring& str) { return GetFileAttributesW((str + L"x").c_str()); };
         const auto write = [](const std::wstring& str) { SetFileAttributesW(str.c_str(), FILE_ATTRIBUTE_ARCHIVE); };
         const double dFind = CallTime(strTarget, nFiles, find);
         const double dAttributes = CallTime(strTarget, nFiles, attributes);

@@ -14,9 +14,10 @@ static const void* volatile g_imports[] = {
 // With an argument it shows an empty window meanwhile.
 int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, LPWSTR pszArguments, int)
 {
-    if (*pszArguments != 0)
-        CreateWindowExW(0, L"STATIC", L"empty", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 500, 400, nullptr, nullptr,
-                        hInstance, nullptr);
+    const bool bWindow = *pszArguments != 0;
+    const HWND hWnd = bWindow ? CreateWindowExW(0, L"STATIC", L"empty", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 500,
+                                                400, nullptr, nullptr, hInstance, nullptr)
+                              : nullptr;
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 500, 0);
-    return g_imports[0] == nullptr;
+    return g_imports[0] == nullptr || (bWindow && hWnd == nullptr);
 }

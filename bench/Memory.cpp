@@ -62,15 +62,15 @@ void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct
     const int kRounds = 3;
     const std::wstring strTarget = strFolder + L"\\target";
     const std::wstring strSetup = strFolder + L"\\package\\setup.exe";
+    const std::wstring strSilent = L"\"" + strSetup + L"\" -install -s -instdir \"" + strTarget + L"\"";
+    const std::wstring strPortable = L"\"" + strSetup + L"\" -install -s -instport \"" + strTarget + L"\"";
     CreateDirectoryW(strFolder.c_str(), nullptr);
     MakeProductPackage(strFolder + L"\\package", strProduct, 100);
     for (int i = 0; i < kRounds; ++i)
     {
         const double dEmpty = PeakUntilEnd(CProgram(strPrograms + L"\\empty.exe"));
-        const double dSilent =
-            PeakUntilEnd(CProgram(L"\"" + strSetup + L"\" -install -s -instdir \"" + strTarget + L"\""));
-        const double dPortable =
-            PeakUntilEnd(CProgram(L"\"" + strSetup + L"\" -install -s -instport \"" + strTarget + L"\""));
+        const double dSilent = PeakUntilEnd(CProgram(strSilent));
+        const double dPortable = PeakUntilEnd(CProgram(strPortable));
         Report("peak-silent", 100, dSilent, dEmpty);
         Report("peak-portable", 100, dPortable, dEmpty);
         const double dPage = PeakOfFirstPage(strSetup);

@@ -33,7 +33,7 @@ build_again() {
     )
 }
 
-echo 'Benchmark: about 7 minutes on a machine that does nothing else'
+echo 'Benchmark: about 7 minutes, 10 on a busy machine'
 rm -rf "$bench"
 mkdir -p "$bench"
 tools/build.sh release
