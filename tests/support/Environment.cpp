@@ -1,4 +1,4 @@
-// The build folder comes from the environment as a path of the host, which this machine sees on its drive Z.
+// These folders come from the environment as paths of the host, which this machine sees on its drive Z.
 #include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
@@ -8,18 +8,28 @@
 
 #include "tests/support/Files.h"
 
-std::wstring BuildFolder()
+static std::wstring HostFolder(const wchar_t* pszVariable)
 {
-    const wchar_t* pszFolder = _wgetenv(L"LUMACAP_BUILD");
+    const wchar_t* pszFolder = _wgetenv(pszVariable);
     if (pszFolder == nullptr)
     {
-        ADD_FAILURE() << "LUMACAP_BUILD doesn't name the build folder";
+        ADD_FAILURE() << testing::PrintToString(pszVariable) << " names no folder";
         return L"";
     }
     std::wstring strFolder = pszFolder[0] == L'/' ? L"Z:" : L"";
     strFolder += pszFolder;
     std::replace(strFolder.begin(), strFolder.end(), L'/', L'\\');
     return strFolder;
+}
+
+std::wstring BuildFolder()
+{
+    return HostFolder(L"LUMACAP_BUILD");
+}
+
+std::wstring SourceFolder()
+{
+    return HostFolder(L"LUMACAP_SOURCE");
 }
 
 std::wstring PackageFolder()

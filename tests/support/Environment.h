@@ -5,6 +5,7 @@
 
 // Folders without a trailing backslash, as this machine sees them.
 std::wstring BuildFolder();
+std::wstring SourceFolder(); // of the whole project
 std::wstring PackageFolder();
 
 // A copy of the sample package that a test may change. It belongs to the corner that it is made in.
