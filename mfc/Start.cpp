@@ -7,7 +7,7 @@ namespace
 {
 void NameExecutable(CWinApp* pApp)
 {
-    wchar_t szPath[MAX_PATH];
+    wchar_t szPath[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, szPath, MAX_PATH);
     CString strPath(szPath);
     const int iDot = strPath.ReverseFind(L'.');
