@@ -5,31 +5,39 @@
 
 #include <string.h>
 
-static std::vector<void**> FindSlots(const char* pszDll, const char* pszFunction)
+void ForEachImport(HMODULE hModule, const std::function<void(const char*, const char*, void**)>& visit)
 {
-    BYTE* pBase = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
+    BYTE* pBase = reinterpret_cast<BYTE*>(hModule);
     const auto* pDos = reinterpret_cast<IMAGE_DOS_HEADER*>(pBase);
     const auto* pHeaders = reinterpret_cast<IMAGE_NT_HEADERS*>(pBase + pDos->e_lfanew);
     const IMAGE_DATA_DIRECTORY& imports = pHeaders->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    std::vector<void**> slots;
     auto* pLibrary = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(pBase + imports.VirtualAddress);
     for (; pLibrary->Name != 0; pLibrary++)
     {
-        if (_stricmp(reinterpret_cast<char*>(pBase + pLibrary->Name), pszDll) != 0)
-            continue;
         const auto* pNames = reinterpret_cast<IMAGE_THUNK_DATA*>(pBase + pLibrary->OriginalFirstThunk);
         auto** ppfnSlots = reinterpret_cast<void**>(pBase + pLibrary->FirstThunk);
         for (int i = 0; pNames[i].u1.AddressOfData != 0; i++)
         {
             const auto* pName = reinterpret_cast<IMAGE_IMPORT_BY_NAME*>(pBase + pNames[i].u1.AddressOfData);
-            if (!IMAGE_SNAP_BY_ORDINAL(pNames[i].u1.Ordinal) && strcmp(pName->Name, pszFunction) == 0)
-                slots.push_back(ppfnSlots + i);
+            if (!IMAGE_SNAP_BY_ORDINAL(pNames[i].u1.Ordinal))
+                visit(reinterpret_cast<char*>(pBase + pLibrary->Name), pName->Name, ppfnSlots + i);
         }
     }
+}
+
+static std::vector<void**> FindSlots(const char* pszDll, const char* pszFunction)
+{
+    std::vector<void**> slots;
+    ForEachImport(GetModuleHandleW(nullptr),
+                  [&](const char* pszLibrary, const char* pszName, void** ppfnSlot)
+                  {
+                      if (_stricmp(pszLibrary, pszDll) == 0 && strcmp(pszName, pszFunction) == 0)
+                          slots.push_back(ppfnSlot);
+                  });
     return slots;
 }
 
-static void Store(void** ppfnSlot, void* pfn)
+void StoreInTable(void** ppfnSlot, void* pfn)
 {
     DWORD nProtection = 0;
     VirtualProtect(ppfnSlot, sizeof(void*), PAGE_READWRITE, &nProtection);
@@ -47,11 +55,11 @@ CImportHook::CImportHook(const char* pszDll, const char* pszFunction, void* pfnR
     }
     m_pfnOriginal = *m_slots[0];
     for (void** ppfnSlot : m_slots)
-        Store(ppfnSlot, pfnReplacement);
+        StoreInTable(ppfnSlot, pfnReplacement);
 }
 
 CImportHook::~CImportHook()
 {
     for (void** ppfnSlot : m_slots)
-        Store(ppfnSlot, m_pfnOriginal);
+        StoreInTable(ppfnSlot, m_pfnOriginal);
 }

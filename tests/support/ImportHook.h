@@ -12,6 +12,11 @@
 #include <utility>
 #include <vector>
 
+// Calls the function with library, function and slot of each import of the module that has a name.
+void ForEachImport(HMODULE hModule, const std::function<void(const char*, const char*, void**)>& visit);
+
+void StoreInTable(void** ppfnSlot, void* pfn); // also where the table is write-protected
+
 // A function's slots of the import table, diverted for the life of the object. Fails the test if nothing imports it.
 // Hooks of one function end in the reverse order of their making.
 class CImportHook
