@@ -1,12 +1,13 @@
 # The one door to the project. Everything lands in build/; the only thing touched outside is Debian's package database.
 SHELL := /bin/bash
 .DELETE_ON_ERROR:
-.PHONY: help prerequisites build test interruption demo wizard screenshots coverage bench lint clean
+.PHONY: help prerequisites build test interruption hostile demo wizard screenshots coverage bench lint clean
 
 help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
 	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
 	@echo 'make interruption end installs and removals at every change they make, and run them again (10 minutes)'
+	@echo 'make hostile      walk many more hostile lists than the tests do (about 5 minutes; LISTS=n, FIRST=n)'
 	@echo 'make build        build/setup.exe and the sample package build/package/ (about 1 minute)'
 	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
 	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'
@@ -26,6 +27,9 @@ test: build
 
 interruption: build
 	@tools/interruption.sh
+
+hostile: build
+	@tools/hostile.sh
 
 demo: build
 	@tools/demo.sh

@@ -105,6 +105,7 @@ public:
 
     // What the calls were given as constant wide texts, in order: for DeleteFileW the path, for CopyFileW two a call.
     const std::vector<std::wstring>& Texts() const { return m_texts; }
+    void ForgetTexts() { std::vector<std::wstring>().swap(m_texts); }
 
     // From here on the call of that number, counted from 1 and from the making of the hook, or that one and all after
     // it, sets the error and returns the failure value: 0, unless another is given.
