@@ -232,6 +232,7 @@ void PutProduct(const std::wstring& strFolder)
     for (const wchar_t* pszName : { L"package\\absent.dll", L"target\\old.dll", L"target\\LumUnInst.exe",
                                     L"all\\Programs\\Lumacap 8\\Lumacap 8.lnk", L"user\\Programs\\Lumacap 8\\x.lnk" })
         WriteBytes(at(pszName), "x");
+    SetAttributes(at(L"target\\old.dll"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     WriteBytes(at(L"package\\LumUnInst.log"), kList);
     const std::wstring strGroup = at(L"all\\Programs\\Lumacap 8");
     const std::wstring strLog = L"Made Dir: " + strGroup + L"\nShell Link: " + strGroup + L"\\Lumacap 8.lnk\n";
