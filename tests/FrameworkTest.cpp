@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <tuple>
 
 #include "tests/support/BoxDriver.h"
 #include "tests/support/TestWindow.h"
@@ -60,19 +61,12 @@ TEST(FrameworkString, CopiesAreItsOwnAndPartsOfItselfMayBePutIn)
     EXPECT_EQ(L"a<rst!rst!>first'", Stored(L'a' + (L"" + str + strCopy + L"'")));
 }
 
-TEST(FrameworkString, ComparesByCharacterAndWithoutCase)
-{
-    const CString str(L"Abc");
-    EXPECT_TRUE(str == L"Abc" && L"Abc" == str && str == CString(L"Abc"));
-    EXPECT_TRUE(str != L"abc" && L"abc" != str && str != CString(L"abc"));
-    EXPECT_TRUE(str < L"abc" && L"Abb" < str && str < CString(L"Abd"));
-    EXPECT_EQ(0, str.CompareNoCase(L"aBC"));
-    EXPECT_GT(str.CompareNoCase(L"abb"), 0);
-}
-
-TEST(FrameworkString, FindsCharactersAndTexts)
+TEST(FrameworkString, ComparesByCharacterOrWithoutCaseAndFindsCharactersAndTexts)
 {
     const CString str(L"abcabc");
+    EXPECT_TRUE(str == L"abcabc" && str != CString(L"aBcabc") && L"abcabb" < str && str < CString(L"b"));
+    EXPECT_EQ(0, str.CompareNoCase(L"ABCabC"));
+    EXPECT_GT(str.CompareNoCase(L"aBcabB"), 0);
     const int cases[][2] = {
         { str.Find(L'b', 2), 4 },      { str.Find(L'x'), -1 },       { str.Find(L'a', 6), -1 },
         { str.Find(L"bc", 2), 4 },     { str.Find(L"cb"), -1 },      { str.Find(L"a", 7), -1 },
@@ -107,57 +101,44 @@ TEST(FrameworkString, DeletesAndReplaces)
     EXPECT_EQ(2, str.Delete(2));
     EXPECT_EQ(1, str.Replace(L'd', L'D'));
     EXPECT_EQ(L"aD", Stored(str));
-    const struct
-    {
-        const wchar_t *pszText, *pszOld, *pszNew, *pszExpected;
-        int nCount;
-    } cases[] = {
-        { L"aXbX", L"X", L"long", L"alongblong", 2 },
-        { L"aXXbXX", L"XX", L"", L"ab", 2 },
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*, int> cases[] = {
+        { L"aXXbXX", L"XX", L"long", L"alongblong", 2 },
         { L"aaa", L"a", L"aa", L"aaaaaa", 3 },
         { L"aaa", L"aa", L"b", L"ba", 1 },
         { L"abc", L"", L"x", L"abc", 0 },
     };
-    for (const auto& c : cases)
+    for (const auto& [pszText, pszOld, pszNew, pszExpected, nCount] : cases)
     {
-        CString strText(c.pszText);
-        EXPECT_EQ(c.nCount, strText.Replace(c.pszOld, c.pszNew));
-        EXPECT_EQ(c.pszExpected, Stored(strText));
+        str = pszText;
+        EXPECT_EQ(nCount, str.Replace(pszOld, pszNew));
+        EXPECT_EQ(pszExpected, Stored(str));
     }
 }
 
-TEST(FrameworkString, FormatsAndLoadsTextOfItsOwnType)
+TEST(FrameworkString, FormatsAndLoadsTextOfItsOwnTypeAndCountsABufferFromItsRelease)
 {
     CString str;
-    str.Format(L"%s %d.%02d|%c", L"wide", 8, 5, L'z');
-    EXPECT_EQ(L"wide 8.05|z", Stored(str));
-    str.Format(L"%s", CString(L'n', 3000).GetString());
-    EXPECT_EQ(3000, str.GetLength());
-    EXPECT_TRUE(str.LoadString(1));
-    EXPECT_FALSE(str.LoadString(64000));
-    EXPECT_EQ(L"Lumacap 8", Stored(str));
+    str.Format(L"%s %d.%02d|%c%s", L"wide", 8, 5, L'z', CString(L'n', 3000).GetString());
+    EXPECT_EQ(L"wide 8.05|z" + std::wstring(3000, L'n'), Stored(str));
     CStringA strNarrow;
     strNarrow.Format("%s=%u", "NARROW", 7u);
     EXPECT_STREQ("narrow=7", strNarrow.MakeLower());
-    EXPECT_TRUE(strNarrow.LoadString(1));
+    EXPECT_TRUE(strNarrow.LoadString(1) && str.LoadString(1) && !CString().LoadString(64000));
     EXPECT_STREQ("Lumacap 8", strNarrow);
-}
+    EXPECT_EQ(L"Lumacap 8", Stored(str));
 
-TEST(FrameworkString, BufferLengthCountsFromRelease)
-{
-    CString str(L"abc");
     wcscat(str.GetBuffer(100), L", much longer than before");
     str.ReleaseBuffer();
-    EXPECT_EQ(28, str.GetLength());
+    EXPECT_EQ(34, str.GetLength());
     str.GetBufferSetLength(4)[1] = 0;
-    EXPECT_EQ(std::wstring(L"a\0c,", 4), Stored(str));
+    EXPECT_EQ(std::wstring(L"L\0ma", 4), Stored(str));
     str.ReleaseBuffer(3);
     EXPECT_EQ(3, str.GetLength());
     str.ReleaseBuffer();
-    EXPECT_EQ(L"a", Stored(str));
+    EXPECT_EQ(L"L", Stored(str));
 }
 
-TEST(FrameworkArray, GrowsAndShrinksWithEmptyElementsAndHoldsCopies)
+TEST(FrameworkArray, GrowsAndShrinksWithEmptyElementsHoldsCopiesAndKnowsItsClass)
 {
     CDWordArray numbers;
     EXPECT_EQ(0, numbers.Add(5));
@@ -168,11 +149,11 @@ TEST(FrameworkArray, GrowsAndShrinksWithEmptyElementsAndHoldsCopies)
     numbers.SetSize(1);
     numbers.SetSize(2);
     EXPECT_EQ(0u, numbers.GetAt(1));
+    EXPECT_STREQ("CDWordArray", numbers.GetRuntimeClass()->m_lpszClassName);
+    EXPECT_TRUE(numbers.IsKindOf(RUNTIME_CLASS(CObject)) && !numbers.IsKindOf(RUNTIME_CLASS(CStringArray)));
     CStringArray texts;
-    CString str(L"one");
-    texts.Add(str);
-    str = L"two";
-    texts.Add(str);
+    texts.Add(L"one");
+    texts.Add(L"two");
     for (int i = 0; i < 100; ++i)
         texts.Add(texts[1]);
     texts.ElementAt(1) += L"!";
@@ -200,69 +181,33 @@ TEST(FrameworkIndex, OutOfRangeThrows)
         EXPECT_TRUE(ThrowsInvalidArgument(access)) << "case " << &access - cases;
 }
 
-namespace
+// Whether a thread of its own can have the mutex.
+static bool IsFree(const CMutex& mutex)
 {
-const wchar_t kMutexName[] = L"Local\\FrameworkLockTest";
-
-// Whether a thread of its own can have the named mutex, through a handle of its own.
-bool IsFree()
-{
-    DWORD nResult = WAIT_FAILED;
-    std::thread(
-        [&]
-        {
-            HANDLE hMutex = OpenMutexW(SYNCHRONIZE, FALSE, kMutexName);
-            nResult = WaitForSingleObject(hMutex, 0);
-            if (nResult == WAIT_OBJECT_0)
-                ReleaseMutex(hMutex);
-            CloseHandle(hMutex);
-        })
-        .join();
-    return nResult == WAIT_OBJECT_0;
+    bool bFree = false;
+    std::thread([&] { bFree = WaitForSingleObject(mutex.m_hObject, 0) == 0 && ReleaseMutex(mutex.m_hObject); }).join();
+    return bFree;
 }
-} // namespace
 
-TEST(FrameworkLock, GuardHoldsTheMutexForItsLifetimeOrUntilUnlocked)
+TEST(FrameworkLock, GuardHoldsTheMutexForItsLifetimeOrUntilUnlockedAlsoAfterADeadOwner)
 {
-    CMutex mutex(FALSE, kMutexName);
-    EXPECT_TRUE(IsFree());
+    CMutex mutex(TRUE);
+    EXPECT_FALSE(IsFree(mutex));
+    EXPECT_TRUE(mutex.Unlock() && IsFree(mutex) && !mutex.Unlock());
     EXPECT_TRUE(ThrowsInvalidArgument(
         [&]
         {
             CSingleLock lock(&mutex, TRUE);
-            EXPECT_TRUE(lock.IsLocked());
-            EXPECT_FALSE(IsFree());
+            EXPECT_TRUE(lock.IsLocked() && !IsFree(mutex));
             CDWordArray().GetAt(0);
         }));
-    EXPECT_TRUE(IsFree());
+    EXPECT_TRUE(IsFree(mutex));
     CSingleLock lock(&mutex);
     EXPECT_FALSE(lock.IsLocked());
-    EXPECT_TRUE(lock.Lock());
-    EXPECT_FALSE(IsFree());
-    EXPECT_TRUE(lock.Unlock());
-    EXPECT_FALSE(lock.IsLocked());
-    EXPECT_TRUE(IsFree());
-}
-
-TEST(FrameworkLock, InitialOwnerMustUnlockAndTheMutexOfADeadOwnerCanBeHad)
-{
-    CMutex mutex(TRUE, kMutexName);
-    EXPECT_FALSE(IsFree());
-    EXPECT_TRUE(mutex.Unlock());
-    EXPECT_TRUE(IsFree());
-    EXPECT_FALSE(mutex.Unlock());
+    EXPECT_TRUE(lock.Lock() && !IsFree(mutex));
+    EXPECT_TRUE(lock.Unlock() && !lock.IsLocked() && IsFree(mutex));
     std::thread([&] { WaitForSingleObject(mutex.m_hObject, INFINITE); }).join();
-    CSingleLock lock(&mutex);
     EXPECT_TRUE(lock.Lock(1000));
-}
-
-TEST(FrameworkClass, KnowsItsNameAndBases)
-{
-    const CDWordArray numbers;
-    EXPECT_STREQ("CDWordArray", numbers.GetRuntimeClass()->m_lpszClassName);
-    EXPECT_TRUE(numbers.IsKindOf(RUNTIME_CLASS(CDWordArray)));
-    EXPECT_TRUE(numbers.IsKindOf(RUNTIME_CLASS(CObject)));
-    EXPECT_FALSE(numbers.IsKindOf(RUNTIME_CLASS(CStringArray)));
 }
 
 namespace
@@ -292,42 +237,26 @@ private:
     CWinApp* m_pBefore;
     BOOL m_bInitialized;
 };
-
-int RunApplication()
-{
-    static wchar_t szCommandLine[] = L"-x";
-    return AfxWinMain(GetModuleHandleW(nullptr), nullptr, szCommandLine, SW_SHOW);
-}
 } // namespace
 
-TEST(FrameworkApplication, ResultOfInitInstanceDecidesWhetherItRunsAndTheQuitMessageGivesTheExitCode)
+TEST(FrameworkApplication, StartFillsInHandlesAndNamesAndResultsDecideWhatRunsAndTheExitCode)
 {
     for (const BOOL bInitialized : { FALSE, TRUE })
     {
-        CTestApp app(nullptr, bInitialized);
-        EXPECT_EQ(0, RunApplication());
+        static wchar_t szCommandLine[] = L"-x";
+        CTestApp app(bInitialized ? L"Given" : nullptr, bInitialized);
+        EXPECT_EQ(0, AfxWinMain(GetModuleHandleW(nullptr), nullptr, szCommandLine, SW_SHOW));
         EXPECT_STREQ(bInitialized ? L"init run exit " : L"init exit ", app.m_strCalls);
+        EXPECT_STREQ(bInitialized ? L"Given" : L"setup_tests", app.m_pszAppName);
+        EXPECT_STREQ(L"setup_tests", app.m_pszExeName);
+        EXPECT_STREQ(L"-x", app.m_lpCmdLine);
+        EXPECT_TRUE(app.m_hInstance == GetModuleHandleW(nullptr) && app.m_nCmdShow == SW_SHOW);
     }
     CTestApp app;
     PostQuitMessage(5);
     CWnd window;
     app.m_pMainWnd = &window; // without one Run posts a quit message of its own
     EXPECT_EQ(5, app.Run());
-}
-
-TEST(FrameworkApplication, StartFillsInHandlesAndMissingNames)
-{
-    CTestApp app;
-    EXPECT_EQ(nullptr, app.m_pszAppName);
-    RunApplication();
-    EXPECT_EQ(GetModuleHandleW(nullptr), app.m_hInstance);
-    EXPECT_STREQ(L"-x", app.m_lpCmdLine);
-    EXPECT_EQ(SW_SHOW, app.m_nCmdShow);
-    EXPECT_STREQ(L"setup_tests", app.m_pszExeName);
-    EXPECT_STREQ(app.m_pszExeName, app.m_pszAppName);
-    CTestApp named(L"Given");
-    RunApplication();
-    EXPECT_STREQ(L"Given", named.m_pszAppName);
 }
 
 TEST(FrameworkApplication, BoxCarriesTheNameAndAnIconAndBelongsToTheMainWindow)

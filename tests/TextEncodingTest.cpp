@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/TextEncoding.h"
@@ -65,68 +66,46 @@ TEST(TextEncoding, EncodersKeepTheirAlphabetsAndEscapeTheRest)
     }
 }
 
-TEST(TextEncoding, ErrorTextsComeFromTheSystemOrTheCodesOwnLibraryWithTheirLineEnd)
-{
-    const DWORD nFlags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS;
-    HMODULE hInternet = LoadLibraryExW(L"wininet.dll", nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    CCallHook release("KERNEL32.dll", "LocalFree", &LocalFree);
-    for (const DWORD nError : { 2ul, 0x80004005ul, 12007ul })
-    {
-        wchar_t szExpected[512] = L"";
-        ASSERT_NE(0u, FormatMessageW(nFlags, hInternet, nError, 0, szExpected, 512, nullptr)) << nError;
-        const CString strText = GetErrorText(static_cast<int>(nError));
-        EXPECT_STREQ(szExpected, strText);
-        EXPECT_STREQ(L"\r\n", strText.Right(2));
-    }
-    for (const int nWithoutText : { 7777777, 12180 })
-        EXPECT_TRUE(GetErrorText(nWithoutText).IsEmpty()) << nWithoutText;
-    EXPECT_EQ(3, release.Calls());
-    FreeLibrary(hInternet);
-}
-
 // FormatMessageW, with its list of arguments as the plain pointer that it is on this platform.
 using MessageFunction = DWORD (*)(DWORD, const void*, DWORD, DWORD, wchar_t*, DWORD, char**);
 
-TEST(TextEncoding, TwoRangesOfCodesHaveASourceOfTheirOwnWhichIsFreedAndMayBeMissing)
+TEST(TextEncoding, ErrorTextsComeFromTheSystemAndForTwoRangesFromALibraryOfTheirOwn)
 {
-    const struct
-    {
-        int nError;
-        std::vector<std::wstring> source;
-    } cases[] = {
+    EXPECT_STREQ(L"File not found.\r\n", GetErrorText(2));
+    EXPECT_STREQ(L"\r\n", GetErrorText(12007).Right(2));
+    EXPECT_TRUE(GetErrorText(12180).IsEmpty());
+    const std::pair<int, std::vector<std::wstring>> cases[] = {
         { 2099, {} },        { 2100, { L"netmsg.dll" } },   { 2999, { L"netmsg.dll" } },   { 3000, {} },
         { 11999, {} },       { 12000, { L"wininet.dll" } }, { 12190, { L"wininet.dll" } }, { 12191, {} },
         { -2147012889, {} },
     };
     for (const HMODULE hLoaded : { GetModuleHandleW(nullptr), HMODULE(nullptr) })
     {
-        for (const auto& c : cases)
+        for (const auto& [nError, source] : cases)
         {
-            const HMODULE hSource = c.source.empty() ? nullptr : hLoaded;
+            SCOPED_TRACE(nError);
+            const int nWanted = nError;
+            const HMODULE hSource = source.empty() ? nullptr : hLoaded;
             CCallHook load("KERNEL32.dll", "LoadLibraryExW", &LoadLibraryExW);
             load.Replace([&](const wchar_t*, HANDLE, DWORD nFlags) { return nFlags == 2 ? hLoaded : nullptr; });
             CCallHook message("KERNEL32.dll", "FormatMessageW", static_cast<MessageFunction>(nullptr));
             message.Replace(
                 [&](DWORD nFlags, const void* pSource, DWORD nId, DWORD nLanguage, wchar_t*, DWORD, char**) -> DWORD
                 {
-                    EXPECT_EQ(hSource != nullptr ? 0x1B00u : 0x1300u, nFlags) << c.nError;
-                    EXPECT_EQ(hSource, pSource);
-                    EXPECT_EQ(c.nError, static_cast<int>(nId));
-                    EXPECT_EQ(1024u, nLanguage);
+                    EXPECT_EQ(hSource != nullptr ? 0x1B00u : 0x1300u, nFlags);
+                    EXPECT_TRUE(hSource == pSource && static_cast<int>(nId) == nWanted && nLanguage == 1024);
                     return 0;
                 });
             CCallHook free("KERNEL32.dll", "FreeLibrary", &FreeLibrary);
             free.Replace(
                 [&](HMODULE hModule)
                 {
-                    EXPECT_EQ(hSource, hModule);
-                    EXPECT_EQ(1, message.Calls()) << "freed before it was asked";
+                    EXPECT_TRUE(hModule == hSource && message.Calls() == 1) << "freed before it was asked";
                     return TRUE;
                 });
-            EXPECT_TRUE(GetErrorText(c.nError).IsEmpty());
-            EXPECT_EQ(c.source, load.Texts()) << c.nError;
-            EXPECT_EQ(1, message.Calls());
-            EXPECT_EQ(hSource != nullptr, free.Calls() == 1) << c.nError;
+            EXPECT_TRUE(GetErrorText(nError).IsEmpty());
+            EXPECT_EQ(source, load.Texts());
+            EXPECT_EQ(hSource != nullptr, free.Calls() == 1);
         }
     }
 }
