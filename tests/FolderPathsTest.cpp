@@ -21,6 +21,7 @@ TEST_F(FolderPaths, OnlyTheBackslashSeparatesButASlashAtTheEndIsEnough)
         { L"\\a", L"\\a", L"", L"", L"\\a\\" },
         { L"a/b/", L"a/b/", L"", L"a/b/", L"a/b/" },
         { L"", L"", L"", L"", L"\\" },
+        { nullptr, L"", L"", L"", L"\\" },
     };
     for (const auto& row : rows)
     {

@@ -1,5 +1,5 @@
 // The shared list of running instances: its bytes, its kernel objects, its messages, and what the class does with other
-// processes' windows. Most other processes are ids without a process.
+// processes' windows. The other processes are ids without a process.
 #include "app/InstanceManager.h"
 
 #include <gtest/gtest.h>
@@ -7,11 +7,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <tuple>
+#include <utility>
 
 #include "foundation/Owners.h"
-#include "tests/support/Environment.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/ProcessRun.h"
 #include "tests/support/SharedList.h"
 #include "tests/support/TestWindow.h"
 
@@ -32,14 +32,7 @@ class InstanceManager : public testing::Test
 protected:
     InstanceManager()
     {
-        m_ownerHook.Replace(
-            [this](HWND hWnd, DWORD* pnProcessId)
-            {
-                const DWORD nThread = m_ownerHook.Original()(hWnd, pnProcessId);
-                if (m_owners.count(hWnd) != 0)
-                    *pnProcessId = m_owners[hWnd];
-                return nThread;
-            });
+        m_ownerHook.Replace([this](HWND hWnd, DWORD* pnProcessId) { return *pnProcessId = m_owners[hWnd]; });
         m_postHook.Replace(
             [this](HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
             {
@@ -92,7 +85,7 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
     AddWindow(kFirst);
     const auto openMutex = [this](const wchar_t* pszKind)
     { return OpenMutexW(MUTEX_ALL_ACCESS, FALSE, (L"Local\\COXInstanceManager_" + (pszKind + m_strName)).c_str()); };
-    const void* pAdditional;
+    char* pData;
     {
         COXInstanceManager first(m_strName.c_str(), 1024, true);
         CSharedList list(m_strName);
@@ -102,11 +95,20 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
         EXPECT_TRUE(m_told.empty() && !first.HasOtherInstances()) << "there is nobody to tell";
         const CHandleOwner listMutex(openMutex(L"InstanceList_Mutex_"));
         const CHandleOwner additionalMutex(openMutex(L"Additional_Mutex_"));
-        pAdditional = first.GetAdditionalData();
         first.GetAdditionalDataMutex().Lock();
         EXPECT_TRUE(ReleaseMutex(additionalMutex)) << "it is this thread's";
         EXPECT_TRUE(listMutex.IsOpen() && !ReleaseMutex(listMutex));
         EXPECT_STREQ(static_cast<CObject&>(first).GetRuntimeClass()->m_lpszClassName, "COXInstanceManager");
+
+        // The additional area lies behind the list.
+        const CHandleOwner mapping(
+            OpenFileMappingW(FILE_MAP_READ, FALSE, (L"Local\\COXInstanceManager_FileMap_" + m_strName).c_str()));
+        const auto* pWhole = static_cast<const char*>(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0));
+        pData = static_cast<char*>(first.GetAdditionalData());
+        EXPECT_EQ(first.GetAdditionalData(), pData);
+        pData[0] = pData[65535] = 'x';
+        EXPECT_TRUE(pWhole[65536] == 'x' && pWhole[131071] == 'x');
+        UnmapViewOfFile(pWhole);
 
         list.Set({ kFirst, kNobody }, 7);
         {
@@ -121,10 +123,9 @@ TEST_F(InstanceManager, FirstProcessMakesListAndMutexesAndTheLastTakesThemAway)
     }
     EXPECT_FALSE(CSharedList(m_strName).IsThere());
     MEMORY_BASIC_INFORMATION memory = {};
-    VirtualQuery(pAdditional, &memory, sizeof memory);
+    VirtualQuery(pData, &memory, sizeof memory);
     EXPECT_EQ(memory.State, static_cast<DWORD>(MEM_FREE));
-    EXPECT_EQ(openMutex(L"InstanceList_Mutex_"), nullptr);
-    EXPECT_EQ(openMutex(L"Additional_Mutex_"), nullptr);
+    EXPECT_TRUE(!openMutex(L"InstanceList_Mutex_") && !openMutex(L"Additional_Mutex_"));
 }
 
 TEST_F(InstanceManager, AreaSizesRoundByTheAgreedFormulaSlipIncluded)
@@ -142,45 +143,35 @@ TEST_F(InstanceManager, AreaSizesRoundByTheAgreedFormulaSlipIncluded)
 
 TEST_F(InstanceManager, WithoutSharedMemoryEveryOperationFailsAndLocksNothing)
 {
-    for (const bool bMapping : { false, true })
-    {
-        CCallHook create("KERNEL32.dll", "CreateFileMappingW", &CreateFileMappingW);
-        CCallHook map("KERNEL32.dll", "MapViewOfFile", &MapViewOfFile);
-        CCallHook lock("KERNEL32.dll", "WaitForSingleObject", &WaitForSingleObject);
-        if (!bMapping)
-            create.FailAll(ERROR_NOT_ENOUGH_MEMORY);
-        map.FailAll(ERROR_NOT_ENOUGH_MEMORY);
-        COXInstanceManager manager(m_strName.c_str(), 1024, true);
-        CDWordArray anIds;
-        EXPECT_FALSE(manager.AddInstance(kFirst) || manager.RemoveInstance(kSelf) || manager.ResetInstanceList() ||
-                     manager.GetInstanceCount() != 0 || manager.GetInstanceIds(anIds) != 0 ||
-                     manager.HasOtherInstances() || manager.GetMaxInstances() != 0 ||
-                     manager.SetMaxInstances(0, true) != 0 || manager.ActivateOtherInstance(true) ||
-                     manager.GetAdditionalData() != nullptr);
-        EXPECT_EQ(map.Calls() > 0, bMapping) << "without a mapping there is nothing to map";
-        EXPECT_EQ(lock.Calls(), 0);
-    }
+    CCallHook create("KERNEL32.dll", "CreateFileMappingW", &CreateFileMappingW);
+    CCallHook map("KERNEL32.dll", "MapViewOfFile", &MapViewOfFile);
+    CCallHook lock("KERNEL32.dll", "WaitForSingleObject", &WaitForSingleObject);
+    create.FailAll(ERROR_NOT_ENOUGH_MEMORY);
+    COXInstanceManager manager(m_strName.c_str(), 1024, true);
+    CDWordArray anIds;
+    EXPECT_FALSE(manager.AddInstance(kFirst) || manager.RemoveInstance(kSelf) || manager.ResetInstanceList() ||
+                 manager.GetInstanceCount() != 0 || manager.GetInstanceIds(anIds) != 0 || manager.HasOtherInstances() ||
+                 manager.GetMaxInstances() != 0 || manager.SetMaxInstances(0, true) != 0 ||
+                 manager.ActivateOtherInstance(true) || manager.GetAdditionalData() != nullptr);
+    EXPECT_EQ(map.Calls() + lock.Calls(), 0);
     EXPECT_TRUE(m_told.empty());
 }
 
 TEST_F(InstanceManagerList, EveryOperationMapsLocksUnmapsAndUnlocks)
 {
+    const char* const kUsual = "map lock unmap unlock ";
     CDWordArray anIds;
-    const struct
-    {
-        std::function<void()> operation;
-        const char* pszActs = "map lock unmap unlock ";
-    } cases[] = {
+    const std::pair<std::function<void()>, const char*> cases[] = {
         { [&] { m_manager.AddInstance(kThird); }, "map lock post post unmap unlock " },
         { [&] { m_manager.RemoveInstance(kThird); }, "map lock post post unmap unlock " },
-        { [&] { m_manager.RemoveInstance(kThird); } },
-        { [&] { m_manager.GetInstanceCount(); } },
-        { [&] { m_manager.GetInstanceIds(anIds); } },
-        { [&] { m_manager.GetMaxInstances(); } },
-        { [&] { m_manager.ActivateOtherInstance(true); } },
+        { [&] { m_manager.RemoveInstance(kThird); }, kUsual },
+        { [&] { m_manager.GetInstanceCount(); }, kUsual },
+        { [&] { m_manager.GetInstanceIds(anIds); }, kUsual },
+        { [&] { m_manager.GetMaxInstances(); }, kUsual },
+        { [&] { m_manager.ActivateOtherInstance(true); }, kUsual },
         // Who closes needs the lock to leave.
         { [&] { m_manager.SetMaxInstances(0, true); }, "map lock unmap unlock post post " },
-        { [&] { m_manager.ResetInstanceList(); } },
+        { [&] { m_manager.ResetInstanceList(); }, kUsual },
     };
     const auto trace = [this](auto& hook, const char* pszName)
     { hook.Replace([=, &hook](auto... arguments) { return m_strActs += pszName, hook.Original()(arguments...); }); };
@@ -198,8 +189,8 @@ TEST_F(InstanceManagerList, EveryOperationMapsLocksUnmapsAndUnlocks)
     for (const auto& c : cases)
     {
         m_strActs.clear();
-        c.operation();
-        EXPECT_EQ(m_strActs, c.pszActs) << &c - cases;
+        c.first();
+        EXPECT_EQ(m_strActs, c.second) << &c - cases;
     }
     EXPECT_EQ(m_list.Ids(), IDS()) << "the last one was the reset";
     EXPECT_TRUE(m_list.IsClearBehindIds());
@@ -208,29 +199,23 @@ TEST_F(InstanceManagerList, EveryOperationMapsLocksUnmapsAndUnlocks)
 
 TEST_F(InstanceManagerList, RemovalClosesTheGapAndTellsThoseThatRemain)
 {
-    const struct
-    {
-        DWORD nRemoved;
-        IDS left;
-        IDS told;
-    } cases[] = {
+    const std::tuple<DWORD, IDS, IDS> cases[] = {
         { kFirst, { kSecond, kNobody, kThird, kSecond }, { kSecond, 0, kThird, kSecond } },
         { kSecond, { kFirst, kNobody, kThird, kSecond }, { kFirst, 0, kThird, kSecond } },
-        { 80001, { kFirst, kSecond, kNobody, kThird, kSecond }, {} },
         { 0, { kFirst, kSecond, kNobody, kThird, kSecond }, {} },
     };
     CDWordArray anIds;
     for (const DWORD nId : { kFirst, kSecond, kThird })
         AddWindow(nId);
-    for (const auto& c : cases)
+    for (const auto& [nRemoved, left, told] : cases)
     {
         m_list.Set({ kFirst, kSecond, kNobody, kThird, kSecond });
-        EXPECT_EQ(m_manager.RemoveInstance(c.nRemoved), !c.told.empty());
-        EXPECT_EQ(m_list.Ids(), c.left) << c.nRemoved;
+        EXPECT_EQ(m_manager.RemoveInstance(nRemoved), !told.empty());
+        EXPECT_EQ(m_list.Ids(), left) << nRemoved;
         EXPECT_EQ(m_manager.GetInstanceIds(anIds), 1);
-        EXPECT_EQ(IDS(anIds.GetData(), anIds.GetData() + anIds.GetSize()), c.left);
-        EXPECT_TRUE(m_list.IsClearBehindIds()) << c.nRemoved;
-        EXPECT_EQ(Told(1947, c.nRemoved), c.told) << c.nRemoved;
+        EXPECT_EQ(IDS(anIds.GetData(), anIds.GetData() + anIds.GetSize()), left);
+        EXPECT_TRUE(m_list.IsClearBehindIds()) << nRemoved;
+        EXPECT_EQ(Told(1947, nRemoved), told) << nRemoved;
     }
 }
 
@@ -241,7 +226,6 @@ TEST_F(InstanceManagerList, ThousandStandInItAndNoMore)
     ids.push_back(kFirst);
     EXPECT_TRUE(m_manager.AddInstance(kFirst));
     EXPECT_FALSE(m_manager.AddInstance(kSecond));
-    EXPECT_FALSE(m_manager.RemoveInstance(kSecond));
     EXPECT_EQ(m_postHook.Calls(), 999);
     EXPECT_EQ(m_list.Ids(), ids);
     EXPECT_EQ(m_manager.GetInstanceCount(), 1000u);
@@ -252,13 +236,7 @@ TEST_F(InstanceManagerList, ThousandStandInItAndNoMore)
 TEST_F(InstanceManagerList, LowerLimitClosesTheNewestFirstAndThisProcessLast)
 {
     const DWORD kDisabled = 70009;
-    const struct
-    {
-        IDS ids;
-        DWORD nLimit;
-        bool bClose;
-        IDS closed;
-    } cases[] = {
+    const std::tuple<IDS, DWORD, bool, IDS> cases[] = {
         { { kFirst, kSecond, kThird }, 1, true, { kThird, kSecond } },
         { { kFirst, kSecond, kThird }, 1, false, {} },
         { { kFirst, kSecond, kThird }, 3, true, {} },
@@ -271,28 +249,20 @@ TEST_F(InstanceManagerList, LowerLimitClosesTheNewestFirstAndThisProcessLast)
     for (const DWORD nId : { kFirst, kSecond, kThird, kSelf })
         AddWindow(nId);
     EnableWindow(AddWindow(kDisabled), FALSE);
-    for (const auto& c : cases)
+    for (const auto& [ids, nLimit, bClose, closed] : cases)
     {
-        m_list.Set(c.ids);
-        EXPECT_EQ(m_manager.SetMaxInstances(c.nLimit, c.bClose), 1);
-        EXPECT_EQ(m_list.Limit(), c.nLimit);
-        EXPECT_EQ(m_manager.GetMaxInstances(), c.nLimit);
-        EXPECT_EQ(m_list.Ids(), c.ids) << "those who close leave by themselves";
-        EXPECT_EQ(Told(WM_CLOSE, 0), c.closed) << &c - cases;
+        m_list.Set(ids);
+        EXPECT_EQ(m_manager.SetMaxInstances(nLimit, bClose), 1);
+        EXPECT_TRUE(m_list.Limit() == nLimit && m_manager.GetMaxInstances() == nLimit);
+        EXPECT_EQ(m_list.Ids(), ids) << "those who close leave by themselves";
+        EXPECT_EQ(Told(WM_CLOSE, 0), closed) << testing::PrintToString(ids);
     }
 }
 
 TEST_F(InstanceManagerList, AboveTheLimitTheFirstOtherComesToTheFront)
 {
     const DWORD kMinimized = 70009;
-    const struct
-    {
-        IDS ids;
-        DWORD nLimit;
-        bool bActivate;
-        bool bAbove;
-        std::string strActs;
-    } cases[] = {
+    const std::tuple<IDS, DWORD, bool, bool, std::string> cases[] = {
         { { kFirst, kSecond }, 1, true, true, "front 70001 " },
         { { kFirst, kSecond }, 1, false, true, "" },
         { { kFirst, kSecond }, 2, true, false, "" },
@@ -301,38 +271,22 @@ TEST_F(InstanceManagerList, AboveTheLimitTheFirstOtherComesToTheFront)
         { { kSelf }, 0, true, true, "" },
         { { kNobody, kSecond }, 1, true, true, "" },
         { { 0, kSecond }, 1, true, true, "" },
-        { { kMinimized }, 0, true, true, "front 70009 show 70009 9 " },
+        { { kMinimized }, 0, true, true, "front 70009 show 9" },
     };
     for (const DWORD nId : { kFirst, kSecond, kSelf, DWORD(0) })
         AddWindow(nId);
     AddWindow(kMinimized, L"Lumacap 8", WS_OVERLAPPEDWINDOW | WS_MINIMIZE);
-    const auto note = [this](const char* pszAct, HWND hWnd)
-    { return m_strActs += pszAct + std::to_string(m_owners[hWnd]) + " ", TRUE; };
     CCallHook front("USER32.dll", "SetForegroundWindow", &SetForegroundWindow);
-    front.Replace([&](HWND hWnd) { return note("front ", hWnd); });
+    front.Replace([&](HWND hWnd) { return m_strActs += "front " + std::to_string(m_owners[hWnd]) + " ", TRUE; });
     CCallHook show("USER32.dll", "ShowWindow", &ShowWindow);
-    show.Replace([&](HWND hWnd, int nShow)
-                 { return note("show ", hWnd), m_strActs += std::to_string(nShow) + " ", TRUE; });
-    for (const auto& c : cases)
+    show.Replace([&](HWND, int nShow) { return m_strActs += "show " + std::to_string(nShow), TRUE; });
+    for (const auto& [ids, nLimit, bActivate, bAbove, strActs] : cases)
     {
-        m_list.Set(c.ids, c.nLimit);
+        m_list.Set(ids, nLimit);
         m_strActs.clear();
-        EXPECT_EQ(m_manager.ActivateOtherInstance(c.bActivate), c.bAbove) << &c - cases;
-        EXPECT_EQ(m_strActs, c.strActs) << &c - cases;
+        EXPECT_EQ(m_manager.ActivateOtherInstance(bActivate), bAbove) << testing::PrintToString(ids);
+        EXPECT_EQ(m_strActs, strActs) << testing::PrintToString(ids);
     }
-}
-
-TEST_F(InstanceManagerList, AdditionalAreaLiesBehindTheListAndStays)
-{
-    auto* pData = static_cast<char*>(m_manager.GetAdditionalData());
-    EXPECT_EQ(m_manager.GetAdditionalData(), pData);
-    const CHandleOwner mapping(
-        OpenFileMappingW(FILE_MAP_READ, FALSE, (L"Local\\COXInstanceManager_FileMap_" + m_strName).c_str()));
-    const auto* pWhole = static_cast<const char*>(MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0));
-    pData[0] = 'a';
-    pData[65535] = 'z';
-    EXPECT_TRUE(pWhole[65536] == 'a' && pWhole[131071] == 'z');
-    UnmapViewOfFile(pWhole);
 }
 
 TEST_F(InstanceManager, MainWindowPassesSixFilters)
@@ -371,17 +325,4 @@ TEST_F(InstanceManager, MainWindowPassesSixFilters)
         SetWindowPos(hWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         EXPECT_EQ(COXInstanceManager::FindMainWindow(kFirst), hWnd) << "the first one counts";
     }
-}
-
-TEST(InstanceManagerProcesses, ProductIsFoundClosedAndGone)
-{
-    COXInstanceManager manager(L"Tandrel.Lumacap-DX.v4", 1024, false);
-    CProductList list({ kSelf });
-    CProcessRun product(L"\"" + PackageFolder() + L"\\Lumacap8.exe\"");
-    ASSERT_TRUE(product.Start());
-    ASSERT_TRUE(WaitUntil([&] { return COXInstanceManager::FindMainWindow(product.Id()) != nullptr; }));
-    EXPECT_EQ(manager.SetMaxInstances(1, true), 1);
-    EXPECT_TRUE(product.WaitForEnd());
-    EXPECT_EQ(product.ExitCode(), 0u);
-    EXPECT_EQ(list.Ids(), IDS{ kSelf });
 }
