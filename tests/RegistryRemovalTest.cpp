@@ -36,16 +36,7 @@ protected:
     CRegistryCorner m_registry;
 };
 
-struct PLACE
-{
-    HKEY hRoot;
-    std::wstring strKey;
-};
-
-std::string Name(const PLACE& place)
-{
-    return testing::PrintToString(place.hRoot) + testing::PrintToString(place.strKey);
-}
+using PLACE = std::pair<HKEY, std::wstring>;
 
 TEST_F(RegistryRemoval, TreeLosesAllButWhatCannotBeDeletedAndItsParents)
 {
@@ -60,7 +51,7 @@ TEST_F(RegistryRemoval, TreeLosesAllButWhatCannotBeDeletedAndItsParents)
     }
     EXPECT_EQ(FlattenKey(HKEY_CURRENT_USER, kTree, L"T"), (std::vector<std::wstring>{ L"T", L"T\\B", L"T\\B\\Stuck" }));
 
-    RemoveKey(HKEY_CURRENT_USER, std::wstring(kTree) + L"\\B");
+    RemoveKey(HKEY_CURRENT_USER, kTree + std::wstring(L"\\B"));
     CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
     hook.FailAll(ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED);
     EXPECT_NE(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0) << "a key that doesn't open may yet be deleted";
@@ -73,6 +64,7 @@ TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
     const std::wstring strHive = std::wstring(kHive) + L"\\SOFTWARE\\";
     const std::wstring strEntry = CURRENT_VERSION L"Uninstall\\Lumacap 8";
     const std::wstring strApplications = L"SOFTWARE\\RegisteredApplications";
+    const std::wstring strHosts = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
     const PLACE gone[] = {
         { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8" },
         { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel\\Lumacap 8" },
@@ -83,22 +75,21 @@ TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
         { HKEY_CLASSES_ROOT, L"LC8.Document" },
         { HKEY_CLASSES_ROOT, L"Lumacap.8" },
         { HKEY_LOCAL_MACHINE, CURRENT_VERSION L"App Paths\\Lumacap8.exe" },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\capff" },
+        { HKEY_LOCAL_MACHINE, strHosts + L"\\capff" },
+        { HKEY_CURRENT_USER, strHosts + L"\\capff" },
     };
     const PLACE kept[] = {
         { HKEY_LOCAL_MACHINE, CURRENT_VERSION L"Uninstall\\Lumacap 8 Plus" },
         { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 7" },
-        { HKEY_USERS, strHive + L"Classes\\Applications\\Lumacap7.exe" },
         { HKEY_USERS, strHive + L"Classes\\LC8.Document" },
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Mozilla\\NativeMessagingHosts\\other" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Mozilla\\NativeMessagingHosts" },
+        { HKEY_LOCAL_MACHINE, strHosts + L"\\other" },
+        { HKEY_CURRENT_USER, strHosts },
     };
-    m_registry.Clear(HKEY_LOCAL_MACHINE, kept[0].strKey);
+    m_registry.Clear(HKEY_LOCAL_MACHINE, kept[0].second);
     for (const PLACE& place : gone)
-        SetKeyText(place.hRoot, place.strKey + L"\\Below\\Deeper", L"Value", L"text");
+        SetKeyText(place.first, place.second + L"\\Below\\Deeper", L"Value", L"text");
     for (const PLACE& place : kept)
-        SetKeyText(place.hRoot, place.strKey, L"Value", L"text");
+        SetKeyText(place.first, place.second, L"Value", L"text");
     for (const wchar_t* pszName : { L"Lumacap.8", L"Lumacap.7" })
         SetKeyText(HKEY_LOCAL_MACHINE, strApplications, pszName, L"x");
     MakeKey(HKEY_LOCAL_MACHINE, strEntry + L"\\Patches");
@@ -108,9 +99,9 @@ TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
     Sweep();
 
     for (const PLACE& place : gone)
-        EXPECT_FALSE(KeyExists(place.hRoot, place.strKey)) << Name(place);
+        EXPECT_FALSE(KeyExists(place.first, place.second)) << testing::PrintToString(place);
     for (const PLACE& place : kept)
-        EXPECT_EQ(KeyText(place.hRoot, place.strKey, L"Value"), L"text") << Name(place);
+        EXPECT_EQ(KeyText(place.first, place.second, L"Value"), L"text") << testing::PrintToString(place);
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, strEntry));
     EXPECT_FALSE(ValueExists(HKEY_LOCAL_MACHINE, strApplications, L"Lumacap.8"));
     EXPECT_TRUE(ValueExists(HKEY_LOCAL_MACHINE, strApplications, L"Lumacap.7"));
@@ -128,46 +119,38 @@ TEST_F(RegistryRemoval, CompanyKeyIsKeptByAnotherProductInEachHiveForItself)
     {
         for (const PLACE& company : companies)
         {
-            SetKeyText(company.hRoot, company.strKey, L"Customer", L"values don't keep a key");
-            SetKeyText(company.hRoot, company.strKey + L"\\Lumacap 8\\View", L"Zoom", L"100");
+            SetKeyText(company.first, company.second, L"Customer", L"values don't keep a key");
+            SetKeyText(company.first, company.second + L"\\Lumacap 8\\View", L"Zoom", L"100");
         }
-        MakeKey(sharing.hRoot, sharing.strKey + L"\\Another Product");
+        MakeKey(sharing.first, sharing.second + L"\\Another Product");
 
         Sweep();
 
         for (const PLACE& company : companies)
         {
             const bool bShared = &company == &sharing;
-            EXPECT_EQ(ValueExists(company.hRoot, company.strKey, L"Customer"), bShared) << Name(company);
-            EXPECT_EQ(SubkeyNames(company.hRoot, company.strKey).size(), bShared ? 1u : 0u) << Name(company);
+            EXPECT_EQ(ValueExists(company.first, company.second, L"Customer"), bShared)
+                << testing::PrintToString(company);
+            EXPECT_EQ(SubkeyNames(company.first, company.second).size(), bShared ? 1u : 0u)
+                << testing::PrintToString(company);
         }
-        RemoveKey(sharing.hRoot, sharing.strKey);
+        RemoveKey(sharing.first, sharing.second);
     }
 }
 
 TEST_F(RegistryRemoval, HiveThatDoesNotOpenIsPassedOver)
 {
     const std::wstring strProduct = L"\\SOFTWARE\\Tandrel\\Lumacap 8";
-    for (const wchar_t* pszHive : { kHive, kLaterHive })
-        MakeKey(HKEY_USERS, pszHive + strProduct);
+    MakeKey(HKEY_USERS, kHive + strProduct);
+    MakeKey(HKEY_USERS, kLaterHive + strProduct);
     {
         CCallHook hook("ADVAPI32.dll", "RegOpenKeyExW", &RegOpenKeyExW);
-        hook.Replace(
-            [&](HKEY hKey, const wchar_t* pszKey, DWORD nOptions, REGSAM nAccess, HKEY* pKey) -> LSTATUS
-            {
-                return hook.Texts().back() == kHive ? ERROR_SHARING_VIOLATION
-                                                    : hook.Original()(hKey, pszKey, nOptions, nAccess, pKey);
-            });
+        hook.Replace([&](HKEY hKey, const wchar_t* pszKey, auto... rest)
+                     { return hook.Original()(hook.Texts().back() == kHive ? nullptr : hKey, pszKey, rest...); });
         Sweep();
     }
     EXPECT_TRUE(KeyExists(HKEY_USERS, kHive + strProduct));
     EXPECT_FALSE(KeyExists(HKEY_USERS, kLaterHive + strProduct));
-}
-
-BOOL WINAPI AnswerWow64(HANDLE, BOOL* pbWow64)
-{
-    *pbWow64 = TRUE;
-    return TRUE;
 }
 
 TEST_F(RegistryRemoval, A32BitProcessOpensTheBrowserHostsAloneInThe64BitView)
@@ -184,7 +167,9 @@ TEST_F(RegistryRemoval, A32BitProcessOpensTheBrowserHostsAloneInThe64BitView)
                 EXPECT_EQ(samAccess, bHosts && bWow64 ? 0xF013Fu : 0xF003Fu) << testing::PrintToString(pszKey);
                 return open.Original()(hRoot, pszKey, dwOptions, samAccess, phKey);
             });
-        g_pfnIsWow64Process = bWow64 ? &AnswerWow64 : nullptr;
+        g_pfnIsWow64Process = [](HANDLE, BOOL* pbWow64) { return *pbWow64 = TRUE; };
+        if (!bWow64)
+            g_pfnIsWow64Process = nullptr;
         Sweep();
         EXPECT_EQ(nHosts, 2);
     }

@@ -74,13 +74,6 @@ protected:
         WriteBytes(m_strProduct + L"\\" + pszName, Bytes(ToCorner(strRecords)));
     }
 
-    // The program's second stage, started from the corner.
-    std::wstring SecondStage() const
-    {
-        CopyOneFile(BuildFolder() + L"\\setup.exe", At(L"stage.exe"));
-        return At(L"stage.exe") + L" -delself " + m_strProduct + L"\\LumUnInst.exe";
-    }
-
     CRegistryCorner m_registry;
     std::optional<CFolderRedirection> m_folders[3];
     std::wstring m_strProduct = At(L"P");
@@ -203,73 +196,44 @@ TEST_F(UninstallDriver, DefaultLinksAndGroupsGoEverywhereEvenIfTheLogIsLost)
 
 TEST_F(UninstallDriver, MachineFolderOfUpToFourCharactersIsSkipped)
 {
-    for (const auto& [pszFolder, bSwept] : { std::pair(L"C:\\q", false), { L"C:\\qq", true } })
+    for (const std::wstring strFolder : { L"C:\\q", L"C:\\qq" })
     {
-        const std::wstring strFolder = pszFolder;
-        const TEXTS paths = { strFolder + L"\\Lumacap 8.lnk", strFolder + L"\\Lumacap 8\\Lumacap 8.lnk" };
-        for (const std::wstring& strPath : paths)
-            WriteBytes(strPath, "x");
         for (const wchar_t* pszName : { L"Common Startup", L"Common Desktop", L"Common Programs" })
         {
             const CFolderRedirection redirection(HKEY_LOCAL_MACHINE, pszName, strFolder);
+            const std::wstring strPath =
+                strFolder +
+                (wcscmp(pszName, L"Common Programs") == 0 ? L"\\Lumacap 8\\Lumacap 8.lnk" : L"\\Lumacap 8.lnk");
+            WriteBytes(strPath, "x");
             Remove();
-            const bool bGroup = wcscmp(pszName, L"Common Programs") == 0;
-            EXPECT_EQ(IsThere(paths[bGroup]), !bSwept) << testing::PrintToString(pszName);
-            WriteBytes(paths[bGroup], "x");
+            EXPECT_EQ(IsThere(strPath), strFolder.size() == 4) << testing::PrintToString(pszName);
         }
         RemoveTree(strFolder);
     }
 }
 
-TEST_F(UninstallDriver, ProductIsToldToUnregisterInItsOwnFolder)
+TEST_F(UninstallDriver, ProductIsToldToUnregisterWaitedForFiveSecondsAndLeftToTheBoot)
 {
-    m_strProduct = At(L"product with blanks");
+    m_strProduct = At(L"P with blanks");
     CopyOneFile(PackageFolder() + L"\\Lumacap8.exe", m_strProduct + L"\\Lumacap8.exe");
-    MakeKey(HKEY_CLASSES_ROOT, L"LC8.Document\\DefaultIcon");
-    SetEnvironmentVariableW(L"LUMACAP_REPORT", At(L"report").c_str());
-    CCallHook deletion("ADVAPI32.dll", "RegDeleteKeyW", &RegDeleteKeyW);
-    deletion.Replace(
-        [&](HKEY hKey, const wchar_t* pszKey)
-        {
-            EXPECT_TRUE(IsThere(At(L"report"))) << "the product wasn't waited for";
-            return deletion.Original()(hKey, pszKey);
-        });
-    Remove();
-    SetEnvironmentVariableW(L"LUMACAP_REPORT", nullptr);
-    EXPECT_EQ(ReadBytes(At(L"report")),
-              Bytes(L"\"" + m_strProduct + L"\\Lumacap8.exe\" -unregonly\t" + m_strProduct + L"\r\n"));
-}
-
-TEST_F(UninstallDriver, HangingProductIsWaitedForFiveSecondsAndLeftToTheBoot)
-{
-    CopyOneFile(PackageFolder() + L"\\Lumacap8.exe", m_strProduct + L"\\Lumacap8.exe");
+    CopyOneFile(BuildFolder() + L"\\setup.exe", At(L"stage.exe"));
+    RemoveTree(At(L"P"));
     WriteLog(L"File Copy: Lumacap8.exe");
-    CProcessRun run(SecondStage());
+    CProcessRun run(At(L"stage.exe") + L" -delself \"" + m_strProduct + L"\\LumUnInst.exe\"");
     run.AddEnvironment(L"LUMACAP_HANG", L"1");
+    run.AddEnvironment(L"LUMACAP_REPORT", At(L"report"));
     const ULONGLONG nStart = GetTickCount64();
     run.Start();
     ASSERT_TRUE(run.WaitForEnd());
     const ULONGLONG nTaken = GetTickCount64() - nStart;
     EXPECT_TRUE(nTaken >= 6000 && nTaken < 10000) << nTaken << " ms, one second before the first act included";
     EXPECT_EQ(run.FamilyIds().size(), 1u) << "the product was to go on hanging";
-    EXPECT_EQ(PendingText(Folder()), L"-stage.exe -P\\Lumacap8.exe -P\\x64");
+    EXPECT_EQ(ReadBytes(At(L"report")),
+              Bytes(L"\"" + m_strProduct + L"\\Lumacap8.exe\" -unregonly\t" + m_strProduct + L"\r\n"));
+    EXPECT_EQ(PendingText(Folder()), L"-stage.exe -P with blanks\\Lumacap8.exe -P with blanks\\x64");
     run.End();
     RestartMachine();
-    EXPECT_EQ(TreeText(Folder()), L"P\\") << "the emptied folder isn't on the list";
-}
-
-TEST_F(UninstallDriver, WithoutThePendingListTheProfileFileTakesOver)
-{
-    WriteLog(L"File Copy: busy.dll");
-    Make(L"P\\busy.dll");
-    CFileHold hold(At(L"P\\busy.dll"), FILE_SHARE_READ);
-    BlockPending();
-    RunToEnd(SecondStage());
-    EXPECT_EQ(PendingProfile(),
-              Bytes(ToCorner(L"[rename]\r\nNUL=~\\stage.exe\r\nNUL=~\\P\\busy.dll\r\nNUL=~\\P\\\\x64\r\n")));
-    hold.Release();
-    RestartMachine();
-    EXPECT_EQ(TreeText(Folder()), L"P\\");
+    EXPECT_EQ(TreeText(Folder()), L"P with blanks\\ report") << "the emptied folder isn't on the list";
 }
 
 } // namespace
