@@ -43,32 +43,6 @@ static void ClearTarget(const wchar_t* pszSource, const wchar_t* pszTarget)
         LeaveForReboot(pszSource, pszTarget);
 }
 
-// Where nothing stands the copy itself tells whether there is a source, which saves a look at each file of a first
-// install. A target is touched only for a source that exists. The copy is tried even where the new file waits for the
-// boot: a target that is still locked makes it fail.
-static int ReplaceTarget(const wchar_t* pszSource, const wchar_t* pszTarget)
-{
-    if (PathExists(pszTarget))
-    {
-        if (!PathExists(pszSource))
-            return FALSE;
-        ClearTarget(pszSource, pszTarget);
-    }
-    return CopyFileW(pszSource, pszTarget, FALSE);
-}
-
-// A copy within one folder whose target is in use is left as it is, and counts as made.
-static int ReplaceWithinFolder(const wchar_t* pszSource, const wchar_t* pszTarget)
-{
-    if (!PathExists(pszSource))
-        return FALSE;
-    if (!PathExists(pszSource)) // gone between the two looks
-        return PathExists(pszTarget);
-    if (PathExists(pszTarget) && !DeleteFileW(pszTarget))
-        return TRUE;
-    return ReplaceTarget(pszSource, pszTarget);
-}
-
 int ReplaceOneFile(const wchar_t* pszName, const wchar_t* pszSourceFolder, const wchar_t* pszTargetFolder,
                    const wchar_t* pszTargetName)
 {
@@ -79,8 +53,21 @@ int ReplaceOneFile(const wchar_t* pszName, const wchar_t* pszSourceFolder, const
         return TRUE;
 
     const CString strSource = strSourceFolder + pszName;
+    if (!PathExists(strSource))
+        return FALSE;
+
     const CString strTarget = strTargetFolder + (pszTargetName != nullptr ? pszTargetName : pszName);
     if (bSameFolder)
-        return ReplaceWithinFolder(strSource, strTarget);
-    return ReplaceTarget(strSource, strTarget);
+    {
+        if (!PathExists(strSource))
+            return PathExists(strTarget);
+        // A copy within one folder whose target is in use is left as it is, and counts as made.
+        if (PathExists(strTarget) && !DeleteFileW(strTarget))
+            return TRUE;
+    }
+
+    if (PathExists(strTarget))
+        ClearTarget(strSource, strTarget);
+    // Tried even where the new file waits for the boot: a target that is still locked makes it fail.
+    return CopyFileW(strSource, strTarget, FALSE);
 }

@@ -60,4 +60,4 @@ tell 'planted libraries'
 planted=0
 ctest --preset release -R '^PlantedLibrary$' >"$bench/planted.txt" || planted=1
 tell 'report'
-python3 tools/bench-report.py build/setup.exe "$bench/second/build/release/out/setup.exe" "$planted" "$bench"
+python3 tools/bench-report.py build/setup.exe "$bench/second/build/release/setup.exe" "$planted" "$bench"
