@@ -240,7 +240,8 @@ std::vector<CString> CFileTree::Match(const wchar_t* pszPattern) const
         return {};
     if (IsMask(strMask))
         return MatchMask(strFolder, strMask);
-    const TreeEntry* pEntry = IsDotName(strMask) ? nullptr : Find(strPattern);
+    // The platform gives the folder that "." or ".." leads to, under its own name.
+    const TreeEntry* pEntry = Find(strPattern);
     return pEntry != nullptr ? std::vector<CString>{ NameOf(pEntry->strPath) } : std::vector<CString>{};
 }
 

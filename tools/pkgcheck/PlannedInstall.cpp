@@ -38,7 +38,7 @@ static bool IsRealFolder(const wchar_t* pszPath)
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-// The path as the user wrote it: without the place.
+// The path as the user wrote it: without the place, unless it is all.
 static CString WithoutPlace(const wchar_t* pszPath)
 {
     const wchar_t* pszRest = wcschr(pszPath, L'\\');
@@ -104,7 +104,7 @@ static void ReportRenamed(const RecordCopy& copy, const CString& strSource, cons
     if (!PathExists(strSource))
         copy.Report(FINDING_NO_MATCH);
     else if (!tree.IsFolder(strFolder))
-        copy.Report(FINDING_RENAMED_TOO_EARLY, strFolder == kTarget ? strFolder : WithoutPlace(strFolder));
+        copy.Report(FINDING_RENAMED_TOO_EARLY, WithoutPlace(strFolder));
     else if (tree.IsFolder(strTarget))
         copy.Report(FINDING_TARGET_IS_FOLDER, WithoutPlace(strTarget));
 }
@@ -201,7 +201,7 @@ static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
     const CString strFolder = CString(kTarget) + L"\\" + pszValue;
     const CString strParent = CutLastPart(strFolder);
     if (!copy.plan.tree.IsFolder(strParent))
-        copy.Report(FINDING_MADE_TOO_EARLY, strParent == kTarget ? strParent : WithoutPlace(strParent));
+        copy.Report(FINDING_MADE_TOO_EARLY, WithoutPlace(strParent));
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
 }
 
