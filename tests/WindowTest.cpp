@@ -109,6 +109,30 @@ void End(CFrame& frame)
     frame.EndDialog(kEnded);
 }
 
+// Lacks a control when it is filled, or when it is read. The user presses OK, then Cancel.
+class CIncomplete : public CDialog
+{
+public:
+    explicit CIncomplete(BOOL bRead) : CDialog(IDD_TEST_FRAME), m_bRead(bRead) {}
+    BOOL OnInitDialog() override
+    {
+        PostMessage(WM_COMMAND, IDOK);
+        PostMessage(WM_COMMAND, IDCANCEL);
+        return CDialog::OnInitDialog();
+    }
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        CString strText;
+        if (pDX->m_bSaveAndValidate == m_bRead)
+            DDX_Text(pDX, kMissing, strText);
+    }
+
+private:
+    BOOL m_bRead;
+};
+
 // Shows a frame for the one step.
 void RunFrame(CFrame::Step step)
 {
@@ -151,6 +175,8 @@ TEST_F(WindowDialog, ModalResultIsWhatEndedItAndAMissingTemplateShowsNothing)
         EXPECT_EQ(nullptr, frame.m_child.m_hWnd);
     }
     EXPECT_EQ(-1, CDialog(60000).DoModal());
+    EXPECT_EQ(-1, CIncomplete(FALSE).DoModal());
+    EXPECT_EQ(IDCANCEL, CIncomplete(TRUE).DoModal()) << "what can't be taken over keeps it open";
     CDialog dialog;
     EXPECT_FALSE(dialog.Create(60000));
     EXPECT_EQ(nullptr, dialog.m_hWnd);
@@ -181,6 +207,7 @@ TEST_F(WindowDialog, ExchangesDataBothWays)
             EXPECT_EQ(0, page.m_bIcon);
             EXPECT_EQ(1, page.m_nKind);
             page.CheckDlgButton(IDC_TEST_RADIO + 1, BST_UNCHECKED);
+            page.CheckDlgButton(IDC_TEST_RADIO + 3, BST_CHECKED); // of another group
             EXPECT_TRUE(page.UpdateData());
             EXPECT_EQ(-1, page.m_nKind);
             page.m_bAskForMissing = true;
@@ -213,8 +240,12 @@ TEST_F(WindowDialog, DialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuitsThe
     {
         CFrame frame({ [](CFrame& f)
                        {
-                           RunFrame([&f](CFrame& inner)
-                                    { EXPECT_TRUE(!f.IsWindowEnabled() && inner.GetParent() == &f); });
+                           RunFrame(
+                               [&f](CFrame& inner)
+                               {
+                                   EXPECT_TRUE(!f.IsWindowEnabled() && inner.GetParent() == &f);
+                                   RunFrame([&inner](CFrame& last) { EXPECT_EQ(last.GetParent(), &inner); });
+                               });
                            EXPECT_TRUE(f.IsWindowEnabled());
                        },
                        End });
@@ -235,7 +266,7 @@ TEST_F(WindowDialog, CommandsGoOnToTheApplicationButNotificationsStay)
         [](CFrame& f)
         {
             f.m_child.SendMessage(WM_COMMAND, ID_HELP);
-            f.SendMessage(WM_COMMAND, ID_HELP);
+            f.SendMessage(WM_COMMAND, MAKEWPARAM(ID_HELP, 1)); // as of an accelerator
             f.m_child.SendMessage(WM_COMMAND, IDC_TEST_BACK);
             f.m_child.SendMessage(WM_COMMAND, MAKEWPARAM(IDC_TEST_BROWSE, BN_SETFOCUS),
                                   reinterpret_cast<LPARAM>(::GetDlgItem(f.m_child, IDC_TEST_BROWSE)));
@@ -283,6 +314,7 @@ TEST_F(WindowObject, HandleFindsItsObjectUntilDetached)
         EXPECT_STREQ(L"title", strTitle);
         EXPECT_EQ(hWnd, wnd.UnsubclassWindow());
         wnd.Attach(hWnd);
+        EXPECT_TRUE(wnd.DestroyWindow() && wnd.m_hWnd == nullptr);
     }
     EXPECT_FALSE(IsWindow(hWnd));
 }

@@ -106,6 +106,7 @@ TEST_F(WizardPages, AgreementIsTheUtf16TextOfTheCurrentFolder)
     EXPECT_EQ(AgreementOf("A\0B", 3), L"A");
     EXPECT_EQ(AgreementOf("\xFF\xFEY\0e\0s\0", 8), L"\xFEFFYes");
     EXPECT_EQ(AgreementOf("\x42\x04\r\0\n\0!\0", 8), L"\x0442\r\n!");
+    EXPECT_EQ(AgreementOf("\x1A\x04\r\n!\0", 6), L"\x041A\x0A0D!") << "no byte is a sign by itself";
     EXPECT_TRUE(IsWindowEnabled(Item(IDOK)));
 
     std::string strLong;
@@ -176,6 +177,7 @@ TEST_F(WizardPages, HintAndFolderFollowTheKind)
         { KIND_CURRENT_USER, false, true, { 1 }, L"1", true, kRepeatedHint },
         { KIND_ALL_USERS, false, true, { 2 }, L"2", false, kPortableHint },
         { KIND_ALL_USERS, false, true, { 2, 0 }, L"0", true, kRepeatedHint },
+        { KIND_CURRENT_USER, false, true, { 2, 1 }, L"1", true, kRepeatedHint },
         // From the command line: the hint is that of no kind until a button is clicked.
         { KIND_PORTABLE, false, false, {}, L"2", true, kPlainHint },
         { KIND_PORTABLE, false, true, {}, L"2", true, kRepeatedHint },
@@ -210,7 +212,9 @@ TEST_F(WizardPages, PortableKindNeedsABrowsedFolderOnEachVisit)
     EXPECT_EQ(g_nInstallKind, KIND_ALL_USERS);
 
     OpenOn('F');
+    Browse(At(L"package"));
     Click(IDC_FOLDER_PORTABLE);
+    EXPECT_EQ(Text(IDC_FOLDER_PATH), L"") << "chosen for another kind";
     Browse(At(L"package"));
     const std::wstring strChosen = At(L"package\\Lumacap 8");
     EXPECT_EQ(Text(IDC_FOLDER_PATH), strChosen);
@@ -225,6 +229,12 @@ TEST_F(WizardPages, PortableKindNeedsABrowsedFolderOnEachVisit)
     Click(IDC_FOLDER_PORTABLE);
     EXPECT_EQ(Text(IDC_FOLDER_PATH), L"");
     EXPECT_EQ(g_bFreshInstall, 1);
+
+    g_nInstallKind = KIND_ALL_USERS;
+    g_strInstDir = L"";
+    OpenOn('F');
+    Next();
+    ExpectOneBox(kNoFolder);
 }
 
 TEST_F(WizardPages, BrowsedFolderIsTakenOrExtendedOrRefused)
