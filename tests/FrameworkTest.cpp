@@ -263,27 +263,21 @@ TEST(FrameworkApplication, BoxCarriesTheNameAndAnIconAndBelongsToTheMainWindow)
 {
     CTestApp app(L"Given");
     CBoxRecorder recorder({ IDYES });
-    const UINT cases[][2] = {
-        { MB_OK, MB_OK | MB_ICONEXCLAMATION },
-        { MB_YESNO, MB_YESNO | MB_ICONEXCLAMATION },
-        { MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2 },
-        { MB_RETRYCANCEL, MB_RETRYCANCEL },
-    };
-    for (const auto& c : cases)
-    {
-        EXPECT_EQ(IDYES, AfxMessageBox(L"text", c[0]));
-        EXPECT_EQ(c[1], recorder.Boxes().back().nStyle);
-    }
-    EXPECT_EQ(nullptr, recorder.Boxes().back().hOwner);
-
+    for (const UINT nStyle : { MB_OK, MB_YESNO, MB_YESNO | MB_ICONQUESTION, MB_RETRYCANCEL })
+        EXPECT_EQ(IDYES, AfxMessageBox(L"text", nStyle));
     CTestWindow main;
     CWnd window;
     window.Attach(main);
     app.m_pMainWnd = &window;
     AfxMessageBox(1);
-    const RECORDED_BOX& box = recorder.Boxes().back();
-    EXPECT_EQ(L"Lumacap 8", box.strText);
-    EXPECT_EQ(L"Given", box.strCaption);
-    EXPECT_EQ(main, box.hOwner);
     window.Detach();
+    const UINT expected[] = { MB_OK | MB_ICONEXCLAMATION, MB_YESNO | MB_ICONEXCLAMATION, MB_YESNO | MB_ICONQUESTION,
+                              MB_RETRYCANCEL, MB_OK | MB_ICONEXCLAMATION };
+    for (int i = 0; i < 5; i++)
+    {
+        const RECORDED_BOX& box = recorder.Boxes().at(i);
+        EXPECT_EQ(box.nStyle, expected[i]);
+        EXPECT_EQ(box.strText + box.strCaption, i == 4 ? L"Lumacap 8Given" : L"textGiven");
+        EXPECT_EQ(box.hOwner, i == 4 ? static_cast<HWND>(main) : nullptr);
+    }
 }

@@ -58,17 +58,20 @@ TEST_F(RegistryRemoval, TreeLosesAllButWhatCannotBeDeletedAndItsParents)
     EXPECT_EQ(DeleteRegTree(HKEY_CURRENT_USER, kTree), 0) << "nothing was there to delete";
 }
 
-// What of the product goes with all below it, and beside it what looks alike and belongs to somebody else.
+// What of the product goes with all below it, and beside it what looks alike and belongs to somebody else. Another
+// product keeps the company's key, in each hive for itself.
 TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
 {
     const std::wstring strHive = std::wstring(kHive) + L"\\SOFTWARE\\";
+    const std::wstring strLaterHive = std::wstring(kLaterHive) + L"\\SOFTWARE\\";
     const std::wstring strEntry = CURRENT_VERSION L"Uninstall\\Lumacap 8";
     const std::wstring strApplications = L"SOFTWARE\\RegisteredApplications";
     const std::wstring strHosts = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
     const PLACE gone[] = {
         { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel\\Lumacap 8" },
-        { HKEY_USERS, strHive + L"Tandrel\\Lumacap 8" },
+        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel" },
+        { HKEY_USERS, strHive + L"Tandrel" },
+        { HKEY_USERS, strLaterHive + L"Tandrel\\Lumacap 8" },
         { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
         { HKEY_CURRENT_USER, L"SOFTWARE\\Classes\\Applications\\Lumacap8.exe" },
         { HKEY_USERS, strHive + L"Classes\\Applications\\Lumacap8.exe" },
@@ -81,13 +84,19 @@ TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
     const PLACE kept[] = {
         { HKEY_LOCAL_MACHINE, CURRENT_VERSION L"Uninstall\\Lumacap 8 Plus" },
         { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 7" },
+        { HKEY_USERS, strLaterHive + L"Tandrel\\Lumacap 7" },
         { HKEY_USERS, strHive + L"Classes\\LC8.Document" },
         { HKEY_LOCAL_MACHINE, strHosts + L"\\other" },
         { HKEY_CURRENT_USER, strHosts },
     };
     m_registry.Clear(HKEY_LOCAL_MACHINE, kept[0].second);
     for (const PLACE& place : gone)
-        SetKeyText(place.first, place.second + L"\\Below\\Deeper", L"Value", L"text");
+    {
+        const bool bCompany = place.second.substr(place.second.size() - 7) == L"Tandrel";
+        const std::wstring strBelow = bCompany ? L"\\Lumacap 8" : L"\\Below\\Deeper";
+        SetKeyText(place.first, place.second, L"Value", L"doesn't keep a key");
+        SetKeyText(place.first, place.second + strBelow, L"Value", L"text");
+    }
     for (const PLACE& place : kept)
         SetKeyText(place.first, place.second, L"Value", L"text");
     for (const wchar_t* pszName : { L"Lumacap.8", L"Lumacap.7" })
@@ -105,37 +114,6 @@ TEST_F(RegistryRemoval, ProductGoesAndItsNeighboursStay)
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, strEntry));
     EXPECT_FALSE(ValueExists(HKEY_LOCAL_MACHINE, strApplications, L"Lumacap.8"));
     EXPECT_TRUE(ValueExists(HKEY_LOCAL_MACHINE, strApplications, L"Lumacap.7"));
-}
-
-TEST_F(RegistryRemoval, CompanyKeyIsKeptByAnotherProductInEachHiveForItself)
-{
-    const PLACE companies[] = {
-        { HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel" },
-        { HKEY_CURRENT_USER, L"SOFTWARE\\Tandrel" },
-        { HKEY_USERS, std::wstring(kHive) + L"\\SOFTWARE\\Tandrel" },
-        { HKEY_USERS, std::wstring(kLaterHive) + L"\\SOFTWARE\\Tandrel" },
-    };
-    for (const PLACE& sharing : companies)
-    {
-        for (const PLACE& company : companies)
-        {
-            SetKeyText(company.first, company.second, L"Customer", L"values don't keep a key");
-            SetKeyText(company.first, company.second + L"\\Lumacap 8\\View", L"Zoom", L"100");
-        }
-        MakeKey(sharing.first, sharing.second + L"\\Another Product");
-
-        Sweep();
-
-        for (const PLACE& company : companies)
-        {
-            const bool bShared = &company == &sharing;
-            EXPECT_EQ(ValueExists(company.first, company.second, L"Customer"), bShared)
-                << testing::PrintToString(company);
-            EXPECT_EQ(SubkeyNames(company.first, company.second).size(), bShared ? 1u : 0u)
-                << testing::PrintToString(company);
-        }
-        RemoveKey(sharing.first, sharing.second);
-    }
 }
 
 TEST_F(RegistryRemoval, HiveThatDoesNotOpenIsPassedOver)

@@ -299,60 +299,38 @@ TEST_F(StartUp, WithoutACopyOfTheListNothingIsClosed)
     EXPECT_EQ(m_strActs, L"");
 }
 
-TEST_F(StartUpProgram, BesideThreeProductsShowsItsRoleAndClosesThemOrLeavesThem)
+TEST_F(StartUpProgram, LeavesThreeProductsAloneAfterANoAndClosesThemAfterAYes)
 {
-    const struct
-    {
-        std::wstring strProgram;
-        const wchar_t* pszSwitches;
-        std::vector<std::pair<TEXT_BOX, int>> boxes; // each with the answer
-        bool bCloses;
-    } cases[] = {
-        { At(L"setup.exe"), L"-s", { { kThreeInstances, IDNO }, { kAborted, IDOK } }, false },
-        { At(L"setup.exe.d\\LumUnInst.exe"), L"", { { kThreeInstances, IDYES }, { kDamaged, IDOK } }, true },
-        { At(L"LumUnInst.exe"), L"-v", { { kConfirmUninstall, IDNO } }, false },
-    };
     const std::wstring strProduct = L"\"" + PackageFolder() + L"\\Lumacap8.exe\" ";
-    for (const auto& c : cases)
+    CProcessRun products[] = { CProcessRun(strProduct), CProcessRun(strProduct + L"-nowindow"),
+                               CProcessRun(strProduct + L"-ignoreclose") };
+    for (CProcessRun& product : products)
+        ASSERT_TRUE(product.Start());
+    ASSERT_TRUE(WaitUntil([&] { return m_list.Ids().size() == 3; }));
+    const std::wstring strProgram = At(L"setup.exe.d\\LumUnInst.exe");
+    CopyOneFile(BuildFolder() + L"\\setup.exe", strProgram);
+    for (const int nAnswer : { IDNO, IDYES })
     {
-        SCOPED_TRACE(&c - cases);
-        CProcessRun products[] = { CProcessRun(strProduct), CProcessRun(strProduct + L"-nowindow"),
-                                   CProcessRun(strProduct + L"-ignoreclose") };
-        m_list.Set({});
-        for (CProcessRun& product : products)
-            ASSERT_TRUE(product.Start());
-        ASSERT_TRUE(WaitUntil([&] { return m_list.Ids().size() == 3; }));
-        CopyOneFile(BuildFolder() + L"\\setup.exe", c.strProgram);
-        CProcessRun run(L"\"" + c.strProgram + L"\" " + c.pszSwitches);
+        CProcessRun run(strProgram);
         ASSERT_TRUE(run.Start());
-        for (const auto& [expected, nAnswer] : c.boxes)
-        {
-            const BOX box = ExpectBox(run.Id(), nAnswer);
-            EXPECT_EQ(box.strText + box.strCaption, std::get<0>(expected) + std::get<2>(expected));
-        }
+        const BOX question = ExpectBox(run.Id(), nAnswer);
+        EXPECT_EQ(question.strText + question.strCaption, std::get<0>(kThreeInstances) + kCaption);
+        EXPECT_EQ(ExpectBox(run.Id(), IDOK).strText, std::get<0>(nAnswer == IDNO ? kAborted : kDamaged));
         EXPECT_TRUE(run.WaitForFamily());
-        EXPECT_EQ(run.ExitCode(), c.bCloses ? 1u : 0u);
+        EXPECT_EQ(run.ExitCode(), nAnswer == IDNO ? 0u : 1u);
         for (CProcessRun& product : products)
-            EXPECT_EQ(product.WaitForEnd(c.bCloses ? kPatience : 0), c.bCloses);
-        EXPECT_FALSE(IsThere(L"C:\\Program Files\\Lumacap 8"));
+            EXPECT_EQ(product.WaitForEnd(nAnswer == IDNO ? 0 : kPatience), nAnswer == IDYES);
     }
 }
 
-TEST(StartUpResources, ResourcesAskForTheAdministratorAndNameTheSetup)
+TEST(StartUpResources, ProgramAsksForTheAdministratorAndNamesTheSetup)
 {
-    const HMODULE hSetup = LoadLibraryExW((BuildFolder() + L"\\setup.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const auto read = [hSetup](const wchar_t* pszType)
-    {
-        const HRSRC hResource = FindResourceW(hSetup, MAKEINTRESOURCEW(1), pszType);
-        const auto* pData = static_cast<const char*>(LockResource(LoadResource(hSetup, hResource)));
-        return std::string(pData == nullptr ? "" : pData, SizeofResource(hSetup, hResource));
-    };
-    const std::string strManifest = read(MAKEINTRESOURCEW(24));
-    for (const char* pszText : { "level=\"requireAdministrator\"", "uiAccess=\"false\"", ">true</dpiAware>",
-                                 "{e2011457-1546-43c5-a5fe-008deee3d3f0}", "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}" })
-        EXPECT_NE(strManifest.find(pszText), std::string::npos) << pszText;
-    const std::wstring strName = L"Lumacap Setup";
-    EXPECT_NE(read(RT_VERSION).find(std::string(reinterpret_cast<const char*>(strName.c_str()), 2 * strName.size())),
-              std::string::npos);
-    FreeLibrary(hSetup);
+    const std::string strProgram = ReadBytes(BuildFolder() + L"\\setup.exe");
+    const std::wstring strName(L"FileDescription\0\0Lumacap Setup\0", 31);
+    for (const std::string& strText :
+         { std::string("level=\"requireAdministrator\""), std::string("uiAccess=\"false\""),
+           std::string(">true</dpiAware>"), std::string("{e2011457-1546-43c5-a5fe-008deee3d3f0}"),
+           std::string("{35138b9a-5d96-4fbd-8e2d-a2440225f93a}"),
+           std::string(reinterpret_cast<const char*>(strName.c_str()), 2 * strName.size()) })
+        EXPECT_NE(strProgram.find(strText), std::string::npos) << strText;
 }

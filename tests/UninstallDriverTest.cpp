@@ -48,13 +48,7 @@ protected:
 
     void Remove() const { RunUninstall((m_strProduct + L"\\").c_str()); }
 
-    // Texts with "~" for the corner's path, and the way back.
-    std::wstring ToCorner(std::wstring strText) const
-    {
-        for (size_t n; (n = strText.find(L'~')) != std::wstring::npos;)
-            strText.replace(n, 1, Folder());
-        return strText;
-    }
+    // The text with "~" for the corner's path.
     std::wstring FromCorner(std::wstring strText) const
     {
         for (size_t n; (n = strText.find(Folder())) != std::wstring::npos;)
@@ -71,7 +65,7 @@ protected:
 
     void WriteLog(const std::wstring& strRecords, const wchar_t* pszName = L"LumUnInst.log") const
     {
-        WriteBytes(m_strProduct + L"\\" + pszName, Bytes(ToCorner(strRecords)));
+        WriteBytes(m_strProduct + L"\\" + pszName, Bytes(strRecords));
     }
 
     CRegistryCorner m_registry;
@@ -96,8 +90,9 @@ const wchar_t kSteps[] = L"start ~\\P\\|unregister SOFTWARE\\Tandrel\\Lumacap 8|
 TEST_F(UninstallDriver, StepsComeInTheirOrder)
 {
     RedirectFolders();
-    WriteLog(L"Make Dir: Sub\nFile Copy: a.dll\nShell Link: ~\\a.lnk\nMade Dir: ~\\Group", L"install.log");
-    WriteLog(L"Make Dir: x32\nFile Copy: b.dll\nShell Link: ~\\b.lnk");
+    WriteLog(L"Make Dir: Sub\nFile Copy: a.dll\nShell Link: " + At(L"a.lnk\nMade Dir: ") + At(L"Group"),
+             L"install.log");
+    WriteLog(L"Make Dir: x32\nFile Copy: b.dll\nShell Link: " + At(L"b.lnk"));
     Make(L"P\\a.dll|P\\b.dll|Programs\\Lumacap 8\\");
     TEXTS lines;
     const auto watch = [&](auto& hook, const std::wstring& strVerb, int nText = 1) // which of the texts, from behind
@@ -136,7 +131,7 @@ TEST_F(UninstallDriver, SubfoldersAndProductFolderAreJudgedDifferently)
 {
     const struct
     {
-        const wchar_t* pszLog;
+        std::wstring strLog;
         const wchar_t* pszMade;
         const wchar_t* pszLeft;
         const wchar_t* pszPending;
@@ -149,12 +144,12 @@ TEST_F(UninstallDriver, SubfoldersAndProductFolderAreJudgedDifferently)
         // A record is followed to wherever it leads; "." and ".." are matches, and so is the log, busy being read.
         { L"File Copy: ..\\outside", L"outside", L"", L"-P\\x64" },
         { L"File Copy: *.*", L"P\\a|P\\Sub\\", L"P\\ P\\Sub\\", L"-P -. -P\\LumUnInst.log -P\\Sub -P\\x64" },
-        { L"Made Dir: ~\\Menu\\Group", L"Menu\\Group\\a", L"Menu\\ Menu\\Group\\ Menu\\Group\\a", L"-P\\x64" },
+        { L"Made Dir: " + At(L"Menu\\Group"), L"Menu\\Group\\a", L"Menu\\ Menu\\Group\\ Menu\\Group\\a", L"-P\\x64" },
     };
     for (const auto& row : cases)
     {
-        SCOPED_TRACE(testing::PrintToString(row.pszLog) + testing::PrintToString(row.pszMade));
-        WriteLog(row.pszLog);
+        SCOPED_TRACE(testing::PrintToString(row.strLog) + testing::PrintToString(row.pszMade));
+        WriteLog(row.strLog);
         Make(row.pszMade);
         Remove();
         EXPECT_EQ(TreeText(Folder()), row.pszLeft);
