@@ -159,19 +159,13 @@ TEST_F(InstanceManager, WithoutSharedMemoryEveryOperationFailsAndLocksNothing)
 
 TEST_F(InstanceManagerList, EveryOperationMapsLocksUnmapsAndUnlocks)
 {
-    const char* const kUsual = "map lock unmap unlock ";
-    CDWordArray anIds;
     const std::pair<std::function<void()>, const char*> cases[] = {
         { [&] { m_manager.AddInstance(kThird); }, "map lock post post unmap unlock " },
         { [&] { m_manager.RemoveInstance(kThird); }, "map lock post post unmap unlock " },
-        { [&] { m_manager.RemoveInstance(kThird); }, kUsual },
-        { [&] { m_manager.GetInstanceCount(); }, kUsual },
-        { [&] { m_manager.GetInstanceIds(anIds); }, kUsual },
-        { [&] { m_manager.GetMaxInstances(); }, kUsual },
-        { [&] { m_manager.ActivateOtherInstance(true); }, kUsual },
+        { [&] { m_manager.GetInstanceCount(); }, "map lock unmap unlock " },
         // Who closes needs the lock to leave.
         { [&] { m_manager.SetMaxInstances(0, true); }, "map lock unmap unlock post post " },
-        { [&] { m_manager.ResetInstanceList(); }, kUsual },
+        { [&] { m_manager.ResetInstanceList(); }, "map lock unmap unlock " },
     };
     const auto trace = [this](auto& hook, const char* pszName)
     { hook.Replace([=, &hook](auto... arguments) { return m_strActs += pszName, hook.Original()(arguments...); }); };

@@ -71,9 +71,11 @@ using MessageFunction = DWORD (*)(DWORD, const void*, DWORD, DWORD, wchar_t*, DW
 
 TEST(TextEncoding, ErrorTextsComeFromTheSystemAndForTwoRangesFromALibraryOfTheirOwn)
 {
+    CCallHook release("KERNEL32.dll", "LocalFree", &LocalFree);
     EXPECT_STREQ(L"File not found.\r\n", GetErrorText(2));
     EXPECT_STREQ(L"\r\n", GetErrorText(12007).Right(2));
     EXPECT_TRUE(GetErrorText(12180).IsEmpty());
+    EXPECT_EQ(2, release.Calls());
     const std::pair<int, std::vector<std::wstring>> cases[] = {
         { 2099, {} },        { 2100, { L"netmsg.dll" } },   { 2999, { L"netmsg.dll" } },   { 3000, {} },
         { 11999, {} },       { 12000, { L"wininet.dll" } }, { 12190, { L"wininet.dll" } }, { 12191, {} },

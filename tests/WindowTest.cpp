@@ -250,7 +250,8 @@ TEST_F(WindowDialog, DialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuitsThe
 TEST_F(WindowDialog, CommandsGoOnToTheApplicationButNotificationsStay)
 {
     CCallHook help("USER32.dll", "WinHelpW", &WinHelpW);
-    help.Replace([](HWND, LPCWSTR, UINT nCommand, ULONG_PTR) -> BOOL { return nCommand == HELP_FINDER; });
+    UINT nAsked = 0;
+    help.Replace([&](HWND, LPCWSTR, UINT nCommand, ULONG_PTR) -> BOOL { return nAsked = nCommand; });
     const LPCTSTR pszBefore = std::exchange(AfxGetApp()->m_pszHelpFilePath, L"C:\\windows");
     RunFrame(
         [](CFrame& f)
@@ -263,6 +264,7 @@ TEST_F(WindowDialog, CommandsGoOnToTheApplicationButNotificationsStay)
             EXPECT_EQ("", f.m_strCalls);
             EXPECT_EQ(0, f.m_child.m_nBrowsed);
         });
+    EXPECT_EQ(nAsked, UINT(HELP_FINDER));
     EXPECT_EQ(help.Texts(), std::vector<std::wstring>(2, AfxGetApp()->m_pszHelpFilePath));
     AfxGetApp()->m_pszHelpFilePath = L"C:\\missing";
     RunFrame([](CFrame& f) { f.SendMessage(WM_COMMAND, ID_HELP); });
