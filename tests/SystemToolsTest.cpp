@@ -67,7 +67,9 @@ TEST_F(SystemTools, TextReplacesWhatWasOnTheClipboardUnlessItIsInUseOrRefuses)
     CCallHook set("USER32.dll", "SetClipboardData", &SetClipboardData);
     set.FailAll(ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(0, CopyTextToClipboard(L"refused"));
-    EXPECT_EQ(L"(none)", ReadClipboardText()) << "closed again";
+    EXPECT_TRUE(OpenClipboard(window)) << "it is closed again";
+    CloseClipboard();
+    EXPECT_EQ(L"(none)", ReadClipboardText());
 }
 
 TEST_F(SystemTools, Wow64IsAskedOfTheGivenOrTheCurrentProcessAndIsZeroWhereItCannotBe)
