@@ -197,7 +197,7 @@ TEST_F(WindowDialog, ExchangesDataBothWays)
             EXPECT_EQ(0, page.m_bIcon);
             EXPECT_EQ(1, page.m_nKind);
             page.CheckDlgButton(IDC_TEST_RADIO + 1, BST_UNCHECKED);
-            page.CheckDlgButton(IDC_TEST_RADIO + 3, BST_CHECKED); // of another group
+            page.CheckDlgButton(IDC_TEST_OTHER, BST_CHECKED); // of another group
             EXPECT_TRUE(page.UpdateData());
             EXPECT_EQ(-1, page.m_nKind);
             page.m_bAskForMissing = true;
@@ -237,6 +237,9 @@ TEST_F(WindowDialog, DialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuitsThe
                                    RunFrame([&inner](CFrame& last) { EXPECT_EQ(last.GetParent(), &inner); });
                                });
                            EXPECT_TRUE(f.IsWindowEnabled());
+                           CPage page; // of the main window, where none is named
+                           page.Create(IDD_TEST_PAGE);
+                           EXPECT_EQ(page.GetParent(), &f);
                        },
                        End });
         AfxGetApp()->m_pMainWnd = bMain ? &frame : nullptr;
