@@ -1,5 +1,5 @@
 // A windowed program that does nothing for half a second, long enough for its working set to be read. Like setup.exe it
-// imports the system's windows, graphics, registry, shell and COM libraries, by a function each that it never calls.
+// imports the system's windows, graphics, registry, shell and COM libraries, by a function each.
 #include <windows.h>
 
 #include <objbase.h>

@@ -26,9 +26,9 @@ static void MakeSliceLists(const TREES& trees, int nFiles, ListForm form)
         WritePackageList(SliceList(trees.strPackage, i), trees.strPackage, i, i + kFilesInSlice, form);
 }
 
-static void AddSlice(PAIR& sum, const std::string& strName, const PAIR& slice)
+static void AddSlice(PAIR& sum, const std::string& strName, int nFiles, const PAIR& slice)
 {
-    Report((strName + "-slice").c_str(), kFilesInSlice, slice.dProgram, slice.dPlain);
+    Report((strName + "-slice").c_str(), nFiles, slice.dProgram, slice.dPlain);
     sum.dProgram += slice.dProgram;
     sum.dPlain += slice.dPlain;
 }
@@ -42,7 +42,7 @@ static PAIR InstallSlices(const TREES& trees, int nFiles, int nPair, const std::
     for (int i = 0; i < nFiles; i += kFilesInSlice)
     {
         const std::wstring strList = SliceList(trees.strPackage, i);
-        AddSlice(sum, strName,
+        AddSlice(sum, strName, nFiles,
                  TimePair(
                      nPair + i / kFilesInSlice, [&] { ProcessPackageList(strList.c_str()); },
                      [&] { PlainCopy(trees.strPackage, trees.strPlain, i, i + kFilesInSlice); }));
@@ -57,7 +57,7 @@ static PAIR RemoveSlices(const TREES& trees, int nFiles, int nPair, const std::s
     for (int i = 0; i < nFiles; i += kFilesInSlice)
     {
         const std::wstring strList = SliceList(trees.strPackage, i);
-        AddSlice(sum, strName,
+        AddSlice(sum, strName, nFiles,
                  TimePair(
                      nPair + i / kFilesInSlice, [&] { RemoveLoggedFiles(strList.c_str(), strFolder.c_str()); },
                      [&] { PlainRemove(trees.strPlain, i, i + kFilesInSlice); }));

@@ -11,6 +11,9 @@
 #include "bench/Package.h"
 #include "bench/Processes.h"
 
+const int kRounds = 3;
+
+// 0 for a process that has just ended.
 static double PeakOf(HANDLE hProcess)
 {
     PROCESS_MEMORY_COUNTERS counters = {};
@@ -26,6 +29,7 @@ static double PeakUntilEnd(const CProgram& program)
         dPeak = std::max(dPeak, PeakOf(program.Process()));
     while (WaitForSingleObject(program.Process(), 1) == WAIT_TIMEOUT);
     program.WaitForFamily();
+    Require(dPeak != 0, L"no peak working set");
     return dPeak;
 }
 
@@ -51,15 +55,24 @@ static double PeakOfFirstPage(const std::wstring& strSetup)
     }
     WaitForInputIdle(wizard.Process(), 1000);
     Sleep(1000);
-    const double dPeak = nId == 0 ? PeakOf(wizard.Process()) : 0;
+    const double dPeak = PeakOf(wizard.Process());
+    Require(nId == 0 && dPeak != 0, L"no first page of the wizard");
     wizard.End();
     g_InstanceManager.ResetInstanceList(); // the ended wizard is still in it
     return dPeak;
 }
 
+// The file is one that the install has to bring; it is taken away before.
+static double PeakOfInstall(const std::wstring& strCommand, const std::wstring& strFile)
+{
+    DeleteFileW(strFile.c_str());
+    const double dPeak = PeakUntilEnd(CProgram(strCommand));
+    RequireThere(strFile);
+    return dPeak;
+}
+
 void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct, const std::wstring& strPrograms)
 {
-    const int kRounds = 3;
     const std::wstring strTarget = strFolder + L"\\target";
     const std::wstring strSetup = strFolder + L"\\package\\setup.exe";
     const std::wstring strSilent = L"\"" + strSetup + L"\" -install -s -instdir \"" + strTarget + L"\"";
@@ -69,8 +82,8 @@ void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct
     for (int i = 0; i < kRounds; ++i)
     {
         const double dEmpty = PeakUntilEnd(CProgram(strPrograms + L"\\empty.exe"));
-        const double dSilent = PeakUntilEnd(CProgram(strSilent));
-        const double dPortable = PeakUntilEnd(CProgram(strPortable));
+        const double dSilent = PeakOfInstall(strSilent, strTarget + L"\\" + FileName(99));
+        const double dPortable = PeakOfInstall(strPortable, strTarget + L"\\" + FileName(99));
         Report("peak-silent", 100, dSilent, dEmpty);
         Report("peak-portable", 100, dPortable, dEmpty);
         const double dPage = PeakOfFirstPage(strSetup);
@@ -85,6 +98,8 @@ void MeasureListMemory(const std::wstring& strFolder, const std::wstring& strPro
     CreateDirectoryW(strFolder.c_str(), nullptr);
     MakeProductPackage(strPackage, strProduct, 0);
     WriteIdleList(strPackage + L"\\LumUnInst.log", nLines);
-    const CProgram setup(L"\"" + strPackage + L"\\setup.exe\" -install -s -instport \"" + strFolder + L"\\target\"");
-    Report("peak-list", nLines, PeakUntilEnd(setup), 0);
+    const std::wstring strTarget = strFolder + L"\\target";
+    const std::wstring strSetup = L"\"" + strPackage + L"\\setup.exe\" -install -s -instport \"" + strTarget + L"\"";
+    for (int i = 0; i < kRounds; ++i)
+        Report("peak-list", nLines, PeakOfInstall(strSetup, strTarget + L"\\LumUnInst.log"), 0);
 }

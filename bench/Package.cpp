@@ -43,6 +43,12 @@ static bool IsThere(const std::wstring& strPath)
     return GetFileAttributesW(strPath.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
+void Require(bool bTrue, const wchar_t* pszWhatIsWrong)
+{
+    if (!bTrue)
+        Stop("the benchmark went wrong", pszWhatIsWrong);
+}
+
 void RequireGone(const std::wstring& strPath)
 {
     if (IsThere(strPath))

@@ -35,6 +35,7 @@ std::wstring SliceList(const std::wstring& strPackage, int nFirst);
 // Writes a list of that many lines, every second one a remark and the others records of files that aren't there.
 void WriteIdleList(const std::wstring& strPath, int nLines);
 
-// Ends the benchmark if the path is there, or isn't: a time counts only if the work was done.
+// Each ends the benchmark if what it asks for isn't so: a figure counts only if the work was done.
+void Require(bool bTrue, const wchar_t* pszWhatIsWrong);
 void RequireGone(const std::wstring& strPath);
 void RequireThere(const std::wstring& strPath);

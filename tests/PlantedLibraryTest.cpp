@@ -14,12 +14,11 @@ namespace
 // What programs like this one are known to fall for. Those that Windows takes from its own protected list can't be
 // planted there, and are left out.
 const wchar_t* const kPlanted[] = {
-    L"version",  L"uxtheme",     L"dwmapi",  L"cryptbase", L"profapi",  L"propsys",  L"apphelp",
-    L"ntmarta",  L"secur32",     L"sspicli", L"netapi32",  L"winmm",    L"msimg32",  L"linkinfo",
-    L"ntshrui",  L"srvcli",      L"cscapi",  L"netutils",  L"riched20", L"shfolder", L"setupapi",
-    L"cfgmgr32", L"wintrust",    L"userenv", L"oleacc",    L"comctl32", L"mpr",      L"wtsapi32",
-    L"edputil",  L"textshaping", L"urlmon",  L"iertutil",  L"winhttp",  L"wldp",     L"usp10",
-    L"wininet",  L"winsta",      L"dbghelp", L"devobj",    L"comdlg32", L"fxsst",
+    L"version",  L"uxtheme",  L"dwmapi",   L"cryptbase", L"profapi",     L"propsys",  L"apphelp",  L"ntmarta",
+    L"secur32",  L"sspicli",  L"netapi32", L"winmm",     L"msimg32",     L"linkinfo", L"ntshrui",  L"srvcli",
+    L"cscapi",   L"netutils", L"riched20", L"shfolder",  L"cfgmgr32",    L"wintrust", L"userenv",  L"oleacc",
+    L"comctl32", L"mpr",      L"wtsapi32", L"edputil",   L"textshaping", L"urlmon",   L"iertutil", L"winhttp",
+    L"wldp",     L"usp10",    L"wininet",  L"winsta",    L"dbghelp",     L"devobj",   L"fxsst",
 };
 
 class PlantedLibrary : public ProductCorner

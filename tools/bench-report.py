@@ -8,7 +8,6 @@ import sys
 from statistics import median
 
 FILES = 2000
-SLICE = 200
 SHORT, LONG = 10000, 100000
 IMPORTS = {"KERNEL32.dll", "USER32.dll", "GDI32.dll", "ADVAPI32.dll", "SHELL32.dll", "ole32.dll", "msvcrt.dll"}
 FIGURES = {
@@ -24,15 +23,15 @@ DEFINITIONS = """\
 - **Files**: 2,000 of 80 KiB, fifty a folder. The ratio is that of the engine's own functions (`ProcessPackageList`,
   `RemoveLoggedFiles`), called in one process, to a bare loop over the same files: `CopyFileW`, or `DeleteFileW` and then
   `RemoveDirectoryW`. The list is worked through in slices of 200 files and the loop takes its turn after each, in
-  alternating order; the ratio is the median of the slices' ratios, of ten slices in each run. So neither the start of
-  a process nor registry, links and pauses are in it.
+  alternating order; the ratio is the median of all slices' ratios, ten in each run. So neither the start of a process
+  nor registry, links and pauses are in it.
 - **Whole programs**: `setup.exe -install -s` and the product's `-regonly`, `LumUnInst.exe` until its second stage has
   ended, and a windowed program with the bare loop. The same with a package of no files gives the fixed part: registry,
   links, the product's start, and a removal's pauses. Net is the difference of the two.
 - **Lines**: every second line a remark, the others records that find no file; the counterpart is `fgetws` and
   `FindFirstFileW`. The work is the ratio of a long list's time to a short one's, measured in turns.
 - **Memory**: `PeakWorkingSetSize`, which Wine fills with the kernel's own peak (VmHWM), the mapped system libraries
-  included. The empty program imports the same libraries by one function each and calls none. The wizard is held against
+  included. The empty program imports the same libraries by one function each, and waits. The wizard is held against
   an empty program that shows an empty window, since the first window brings the display's libraries with it.
 - **Size**: the sections of `size -A` but `.rsrc`. KB and MB are 1,024 and 1,048,576 bytes.
 """
@@ -77,7 +76,7 @@ def output_of(*command):
 def hold_files(report):
     for name, bound in (("install-masks", 1.05), ("install-records", 1.10),
                         ("removal-masks", 1.10), ("removal-records", 1.10)):
-        report.most(f"{FIGURES[name][1]}, to bare loop", bound, report.ratio(name + "-slice", SLICE), digits=3)
+        report.most(f"{FIGURES[name][1]}, to bare loop", bound, report.ratio(name + "-slice"), digits=3)
 
 
 def hold_lines(report):
