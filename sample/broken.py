@@ -16,6 +16,8 @@ LINES = [
     ("forward-slash", "File Del: Lang/*.lng"),
     ("mask-renamed", "File Copy: *.dll > one.dll"),
     ("empty-target", "File Copy: Lumacap8.exe >"),
+    ("impossible-name", "File Copy: Lumacap8.exe > *.bin"),
+    ("text-format", "File Copy: Gr\u00fcn.txt".encode().decode("latin-1")),
     ("no-match", "File Copy: missing.txt"),
     ("folder-caught", "File Copy: Extra*"),
     (None, "Make Dir: Taken"),

@@ -72,6 +72,9 @@ const char* const kLists[] = {
     "File Copy: sub/*.txt\nFile Copy x64: Sub\\*.dll\nFile Copy: b.txt > sub/b.lnk\nFile Copy: b.txt > b\n"
     "File Copy: b.txt > sub/c.txt\nFile Copy: install.log",
     "File Copy: a.txt\nFile Copy: b.txt >\nFile Copy: *\nFile Del: *.new",
+    "File Copy: a.txt\nMake Dir: LumUnInst.log\nMake Dir: a.txt\nMake Dir: q*\nFile Copy: b.txt > b > c\n"
+    "File Copy: b.txt > *.json\nFile Copy: c.dat\nFile Copy:  > c.dat\nMake Dir: d.dll\nFile Copy: d.dll\n"
+    "File Copy: sub\\a.txt\nFile Del: sub\nFile Copy: sub > a.txt\nFile Del: sub\\a.txt|remark",
 };
 
 // A package from a seed: some of the files, and records that meet them, miss them, and get into each other's way.
@@ -87,13 +90,14 @@ public:
              { L"a.txt", L"b.txt", L"c.dat", L"d.dll", L"LumUnInst.exe", L"sub\\s.dll", L"sub\\t.txt", L"sub\\a.txt",
                L"sub\\deep\\u.txt", L"sub\\deep\\v.dat", L"x64\\w.dll", L"other\\z.txt" })
         {
-            if (pszList != nullptr || Number(5) > 0)
+            if (pszList != nullptr || Number(5) > 0 || wcscmp(pszFile, L"LumUnInst.exe") == 0)
                 WriteBytes(strFolder + L"\\" + pszFile, "content");
         }
         if (pszList != nullptr)
             WriteBytes(strFolder + L"\\install.log", "File Del: sub\\c.txt");
         WriteBytes(strFolder + L"\\Lumacap8.exe", "product");
-        WriteBytes(strFolder + L"\\LumUnInst.log", pszList != nullptr ? pszList : List());
+        WriteBytes(strFolder + L"\\LumUnInst.log",
+                   (pszList != nullptr ? pszList : List()) + "\nFile Copy: LumUnInst.exe");
     }
 
 private:
@@ -227,7 +231,7 @@ protected:
     {
         const CLaunchRecorder recorder;
         const std::wstring strFolder = Place(L"to", nSeed) + L"\\up\\target\\";
-        DeleteFileW((strFolder + L"LumUnInst.exe").c_str());
+        EXPECT_TRUE(DeleteFileW((strFolder + L"LumUnInst.exe").c_str()));
         RunUninstall(strFolder.c_str());
     }
 
@@ -275,15 +279,15 @@ TEST_F(PackageCheck, BrokenPackageShowsEachFindingOnce)
     }
     const CHECKED checked = Check(strBroken);
     EXPECT_EQ(Findings(checked), strExpected + "|file-unnamed|uninstaller-missing|counted-on|no-version");
-    EXPECT_EQ(checked.lines.size(), 25u * 3 + 1); // three lines each, and their number
-    EXPECT_EQ(checked.lines.back(), "25 findings");
+    EXPECT_EQ(checked.lines.size(), 27u * 3 + 1); // three lines each, and their number
+    EXPECT_EQ(checked.lines.back(), "27 findings");
     EXPECT_EQ(checked.nExitCode, 1u);
 
     for (const char* pszDetail :
          { "with \"File Copy: \",", "the folder Extra and", "folder Taken stands", "and Early isn't there yet: nothing",
            "and Early isn't there yet: no folder", "file Lumacap8.exe landed", "folder Docs, and",
            "order: Outer\\Inner", "\"File Copy: forgotten.txt\",", "leads to LumUnInst.exe,",
-           "lead to Lumacap8Man.chm," })
+           "lead to Lumacap8Man.chm,", "have the character * in", "name Gr\xC3\xBCn.txt is" })
         EXPECT_NE(checked.strText.find(pszDetail), std::string::npos) << pszDetail;
 }
 
@@ -323,6 +327,28 @@ TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
         { "Make Dir: A\r\nMake Dir: A/B\r\nMake Dir: A", "" },
         { "Make Dir: x64\r\nMake Dir: x64\\A", "" },
         { "\x1A\n\x1A", strLast + "end-mark" },
+        { "Make Dir: LumUnInst.log", strLast + "list-named" },
+        { "Make Dir: Lang\\english.txt", strLast + "impossible-name" },
+        { "Make Dir: a?", strLast + "impossible-name" },
+        { "Make Dir: a > b", strLast + "impossible-name" },
+        { "Make Dir: a\tb", strLast + "impossible-name" },
+        { "Make Dir: C:\\a", strLast + "absolute" },
+        { "File Copy: Lumacap8.exe > a > b", strLast + "impossible-name" },
+        { "File Copy: Lumacap8.exe > *.exe", strLast + "impossible-name" },
+        { "File Copy: Lumacap8.exe > ab:c", strLast + "impossible-name" },
+        { "File Copy:  > y", strLast + "no-match" },
+        { "File Copy: Lang > y", strLast + "no-match" },
+        { "File Del: foo.txt|remark", strLast + "impossible-name" },
+        { "File Overwrite: foo.txt |remark", strLast + "impossible-name" },
+        { "File Del: foo?.* | a \"remark\"", "" },
+        { "File Del: Lang", strLast + "folder-caught" },
+        { "File Overwrite: lang | texts", strLast + "folder-caught" },
+        { "File Copy: Gr\xC3\xBCn.txt", strLast + "text-format" },
+        { "File Del: Gr\xC3\xBCn.txt", strLast + "text-format" },
+        { "File Copy: Gr\xFCn.txt", strLast + "no-match" },
+        { "File Del: a | Gr\xC3\xBCn", "" },
+        { "made dir: x", strLast + "near-miss" },
+        { "File Copy: ", strLast + "near-miss" },
     };
     for (const auto& [strLine, strFindings] : kCases)
     {
@@ -333,10 +359,24 @@ TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
         const auto nFindings = std::count(strFindings.begin(), strFindings.end(), '|') + !strFindings.empty();
         EXPECT_EQ(checked.lines.back(), std::to_string(nFindings) + (nFindings == 1 ? " finding" : " findings"));
     }
-    for (const char* pszMark : { "\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF" })
+    std::string strReturns = strList;
+    strReturns.erase(std::remove(strReturns.begin(), strReturns.end(), '\r'), strReturns.end());
+    std::replace(strReturns.begin(), strReturns.end(), '\n', '\r');
+    std::string strWide;
+    for (const char ch : strList)
+        strWide += { ch, '\0' };
+    const std::pair<std::string, std::string> kLists[] = {
+        { "\xEF\xBB\xBF" + strList, "1 byte-order-mark" },
+        { "\xFF\xFE" + strList, "1 byte-order-mark" },
+        { "\xFE\xFF" + strList, "1 byte-order-mark" },
+        { "\xFF\xFE" + strWide, "1 text-format" },
+        { strWide, "1 text-format" },
+        { strReturns, "1 text-format" },
+    };
+    for (const auto& [strBytes, strFindings] : kLists)
     {
-        WriteBytes(package.List(), pszMark + strList);
-        EXPECT_EQ(Findings(Check(package.Folder())), "1 byte-order-mark");
+        WriteBytes(package.List(), strBytes);
+        EXPECT_EQ(Findings(Check(package.Folder())), strFindings);
     }
 }
 
@@ -376,12 +416,42 @@ TEST_F(PackageCheck, FolderThatStaysIsBlamedOnTheRecordThatCanHelp)
         { "File Copy: b.txt\nMake Dir: sub\nMake Dir: sub\\deep\nFile Copy: sub\\deep\\low\\v.txt\nMake Dir: sub",
           "2 parent-first|4 folder-unnamed" },
         { "File Copy prt: sub\\d*", "1 folder-caught" },
+        { "File Copy: sub\\a.txt\nMake Dir: sub\nMake Dir: b.txt\nFile Copy: b.txt", "4 target-is-folder" },
     };
     for (const auto& [pszList, pszFindings] : kCases)
     {
         WriteBytes(At(L"package\\LumUnInst.log"), pszList);
         const std::string strFindings = Findings(Check(At(L"package")));
         EXPECT_EQ(strFindings.substr(0, strFindings.find("|file-unnamed")), pszFindings) << pszList;
+    }
+}
+
+// What one advice would make worse gets another.
+TEST_F(PackageCheck, AdviceFitsTheCase)
+{
+    for (const wchar_t* pszFile : { L"a.txt", L"gr\xFCn.txt", L"\x3A9.txt" })
+        WriteBytes(At(L"package\\") + pszFile, "");
+    const std::string strMask = "Use a mask that meets it";
+    const std::tuple<const char*, std::string, std::string> kCases[] = {
+        // with what is told, and what isn't
+        { "File Copy: a.txt > b", "record without \">\" before this one", "\"Make Dir: \"" },
+        { "File Copy: a.txt > b\\c", "record without \">\" before this one", "\"Make Dir: \"" },
+        { "File Copy prt: a.txt > b\\c", "\"Make Dir: \"", "before this one" },
+        { "made dir: x", "Leave the line out.", "Begin" },
+        { "shell link:", "Leave the line out.", "No name" },
+        { "File Copy: ", "No name stands behind \"File Copy: \"", "Begin" },
+        { "x", "\"File Copy: gr\xC3\xBCn.txt\"", "\"File Copy: \xCE\xA9" },
+        { "x", strMask, "\"File Copy: \xCE\xA9" },
+        { "File Copy: ?.txt", "\"File Copy: gr\xC3\xBCn.txt\"", strMask },
+        { "File Copy: GR\xC3\xBCN.txt", "name GR\xC3\xBCN.txt is", "\"File Copy: gr" },
+        { "File Copy: gr\xC3\xBCn.txt > b", "name gr\xC3\xBCn.txt is", "\"File Copy: gr" },
+    };
+    for (const auto& [pszList, strTold, strUntold] : kCases)
+    {
+        WriteBytes(At(L"package\\LumUnInst.log"), pszList);
+        const std::string strText = Check(At(L"package")).strText;
+        EXPECT_NE(strText.find(strTold), std::string::npos) << pszList;
+        EXPECT_EQ(strText.find(strUntold), std::string::npos) << pszList;
     }
 }
 
@@ -409,6 +479,18 @@ TEST_F(PackageCheck, PlanTellsWhatEachEntryIs)
     }
 }
 
+TEST_F(PackageCheck, PlanOfAPackageWithoutAnUninstallerKeepsAll)
+{
+    WriteBytes(At(L"package\\a.txt"), "");
+    WriteBytes(At(L"package\\LumUnInst.log"), "File Copy: a.txt");
+    const std::string strKept = "  folder       <target>\n  file         <target>\\a.txt\n"
+                                "  log          <target>\\LumUnInst.log\n";
+    EXPECT_EQ(Check(L"--plan portable " + At(L"package")).strText,
+              "An install creates:\n" + strKept +
+                  "No record brings LumUnInst.exe: there is no removal, and this stays:\n" + strKept +
+                  "The next start of the machine leaves:\n" + strKept);
+}
+
 TEST_F(PackageCheck, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
 {
     MakeFolder(At(L"empty"));
@@ -419,12 +501,16 @@ TEST_F(PackageCheck, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeR
         { L"--HELP", 2, "pkgcheck: usage:" },
         { PackageFolder() + L"\\", 0, "0 findings" },
         { PackageFolder() + L"/", 0, "0 findings" },
+        { L"\"" + PackageFolder() + L"\\\"", 0, "0 findings" },
+        { L"/?", 0, "usage:" },
         { PackageFolder() + L" more", 2, "pkgcheck: usage:" },
         { At(L"empty"), 2, "pkgcheck: there is no LumUnInst.log" },
-        { At(L"missing"), 2, "pkgcheck: there is no LumUnInst.log" },
+        { At(L"missing"), 2, "pkgcheck: there is no folder" },
+        { PackageFolder() + L"\\setup.exe", 2, "pkgcheck: this is a file" },
         { L"--plan", 2, "pkgcheck: usage:" },
         { L"--plan all", 2, "pkgcheck: usage:" },
-        { L"--plan none " + PackageFolder(), 2, "pkgcheck: no such kind" },
+        { L"--plan none " + PackageFolder(), 2,
+          "pkgcheck: the kind of install is user, all or portable, and not none" },
         { L"--plan all " + At(L"empty"), 2, "pkgcheck: there is no LumUnInst.log" },
         { L"--plan all " + PackageFolder(), 0, "An install creates:" },
         { L"--plan all " + PackageFolder() + L" more", 2, "pkgcheck: usage:" },

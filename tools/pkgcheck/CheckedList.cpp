@@ -2,6 +2,7 @@
 #include "tools/pkgcheck/CheckedList.h"
 
 #include <string>
+#include <windows.h>
 
 #include "foundation/InstallLog.h"
 
@@ -30,6 +31,12 @@ static bool BeginsWithMark(const std::string& strBytes)
             return true;
     }
     return false;
+}
+
+// One at the very end harms nothing.
+static bool HasLoneReturns(const std::string& strBytes)
+{
+    return strBytes.find('\n') == std::string::npos && strBytes.find('\r') < strBytes.find_last_not_of("\r");
 }
 
 // A line of nLength characters, its line end included, is read in pieces of 511. The last of them may be the line end
@@ -69,6 +76,8 @@ CheckedList ReadCheckedList(const wchar_t* pszList)
 
     const std::string strBytes = ReadBytes(pszList);
     list.bByteOrderMark = BeginsWithMark(strBytes);
+    list.bZeroBytes = strBytes.find('\0') != std::string::npos;
+    list.bLoneReturns = HasLoneReturns(strBytes);
     NoteLines(list, strBytes);
     for (ListLine& line : list.lines)
     {
@@ -76,4 +85,22 @@ CheckedList ReadCheckedList(const wchar_t* pszList)
             line.strText = reader.Line();
     }
     return list;
+}
+
+// The reader gives each byte as a character.
+CString DecodeUtf8(const CString& strText)
+{
+    std::string strBytes;
+    bool bAscii = true;
+    for (int i = 0; i < strText.GetLength(); ++i)
+    {
+        strBytes += static_cast<char>(strText[i]);
+        bAscii = bAscii && strText[i] < 0x80;
+    }
+    const int cb = static_cast<int>(strBytes.size());
+    const int cch = bAscii ? 0 : MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, strBytes.data(), cb, nullptr, 0);
+    CString strDecoded;
+    MultiByteToWideChar(CP_UTF8, 0, strBytes.data(), cb, strDecoded.GetBufferSetLength(cch), cch);
+    strDecoded.ReleaseBuffer(cch);
+    return strDecoded;
 }

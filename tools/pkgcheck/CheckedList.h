@@ -17,9 +17,14 @@ struct CheckedList
 {
     bool bReadable = false;
     bool bByteOrderMark = false;
-    int nEndMarkLine = 0; // where a Ctrl-Z ends the reading; 0 if none does
+    bool bZeroBytes = false;
+    bool bLoneReturns = false; // carriage returns are its only line ends
+    int nEndMarkLine = 0;      // where a Ctrl-Z ends the reading; 0 if none does
     std::vector<ListLine> lines;
 };
 
 // A list that can't be opened is not readable and has no lines.
 CheckedList ReadCheckedList(const wchar_t* pszList);
+
+// What was meant by a text of the list whose bytes are UTF-8. Empty for other texts, and for plain ASCII.
+CString DecodeUtf8(const CString& strText);

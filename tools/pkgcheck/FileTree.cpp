@@ -20,6 +20,19 @@ bool IsMask(const wchar_t* pszText)
     return wcspbrk(pszText, L"*?") != nullptr;
 }
 
+CString FindForbidden(const CString& strPath, bool bMask)
+{
+    for (int i = 0; i < strPath.GetLength(); ++i)
+    {
+        const wchar_t chName = strPath[i];
+        if (chName < L' ')
+            return L"a control character";
+        if (wcschr(bMask ? L"<>:\"|" : L"<>:\"|?*", chName) != nullptr)
+            return CString(L"the character ") + chName;
+    }
+    return CString();
+}
+
 // "..": the target's parent is the place beside it, and above that everything keeps its "..".
 static CString Climb(const CString& strPath)
 {
@@ -128,7 +141,7 @@ std::vector<TreeEntry> CFileTree::Entries() const
 bool CFileTree::CanHold(const CString& strPath) const
 {
     const CString strName = strPath == kTarget ? CString() : NameOf(strPath);
-    return IsFolder(ParentOf(strPath)) && strName.FindOneOf(L"<>:\"|?*") < 0;
+    return IsFolder(ParentOf(strPath)) && FindForbidden(strName, false).IsEmpty();
 }
 
 // A folder keeps the letters that it was made with.

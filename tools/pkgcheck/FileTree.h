@@ -62,3 +62,7 @@ CString FoldPath(const wchar_t* pszPath);
 
 // True for a text with an asterisk or a question mark.
 bool IsMask(const wchar_t* pszText);
+
+// What the path holds that no name of a file or folder may, in words for the user: the first such character. Empty if
+// there is none. In a mask, the asterisk and the question mark are allowed.
+CString FindForbidden(const CString& strPath, bool bMask);

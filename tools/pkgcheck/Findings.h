@@ -6,14 +6,21 @@
 #include <map>
 #include <utility>
 
-// The first group is about how a line is written. Such a finding silences those of the second group on its line, since
-// these may be mere consequences.
+// The first group is about the list as a whole, the second about how a line is written. A finding of the second group
+// silences those of the third on its line, since these may be mere consequences. Kinds of one name differ in what is
+// to be done.
 enum FindingKind
 {
     FINDING_BYTE_ORDER_MARK,
     FINDING_END_MARK,
+    FINDING_ZERO_BYTES,
+    FINDING_LONE_RETURNS,
+
     FINDING_LONG_LINE,
+    FINDING_UTF8_NAME,
     FINDING_NEAR_MISS,
+    FINDING_NAME_MISSING,
+    FINDING_NEAR_INSTALL_MADE,
     FINDING_INSTALL_MADE,
     FINDING_ABSOLUTE,
     FINDING_CLIMBING,
@@ -21,11 +28,15 @@ enum FindingKind
     FINDING_FORWARD_SLASH,
     FINDING_MASK_RENAMED,
     FINDING_EMPTY_TARGET,
+    FINDING_IMPOSSIBLE_NAME,
+    FINDING_NAME_TAKEN,
 
     FINDING_NO_MATCH,
     FINDING_FOLDER_CAUGHT,
+    FINDING_FOLDER_DELETED,
     FINDING_TARGET_IS_FOLDER,
     FINDING_RENAMED_TOO_EARLY,
+    FINDING_RENAMED_FIRST,
     FINDING_MADE_TOO_EARLY,
     FINDING_WRITTEN_TWICE,
     FINDING_LIBRARY_TEST,
@@ -33,6 +44,7 @@ enum FindingKind
     FINDING_PARENT_FIRST,
     FINDING_LIST_NAMED,
     FINDING_FILE_UNNAMED,
+    FINDING_FILE_UNNAMEABLE,
     FINDING_UNINSTALLER_MISSING,
     FINDING_COUNTED_ON,
     FINDING_NO_VERSION,

@@ -1,6 +1,7 @@
 // pkgcheck: tells what the setup would silently do wrong with a package, and what an install of it would create. It
 // reads the package and nothing else, and writes nothing.
 #include <string.h>
+#include <windows.h>
 
 #include "app/Product.h"
 #include "foundation/FolderPaths.h"
@@ -55,13 +56,34 @@ static int Refuse(const wchar_t* pszReason, const wchar_t* pszSubject)
     return EXIT_UNUSABLE;
 }
 
-// A null kind asks for the check.
-static int WorkOn(const wchar_t* pszFolder, const KindName* pKind)
+// A quoted folder that ends in a backslash arrives with its closing quote still on it, since the runtime reads the two
+// as a literal quote.
+static CString CleanFolderArgument(const wchar_t* pszArgument)
 {
-    Package package = { pszFolder, ReadCheckedList(WithSeparator(pszFolder) + kFileListName) };
-    package.strFolder.TrimRight(L"\\/");
+    CString strFolder(pszArgument);
+    if (strFolder.Right(1) == L"\"")
+        strFolder = strFolder.Left(strFolder.GetLength() - 1);
+    strFolder.TrimRight(L"\\/");
+    return strFolder;
+}
+
+static const wchar_t* WhyUnreadable(const CString& strFolder)
+{
+    const DWORD dwAttributes = GetFileAttributesW(strFolder.IsEmpty() ? L"\\" : strFolder.GetString());
+    if (dwAttributes == INVALID_FILE_ATTRIBUTES)
+        return L"there is no folder ";
+    if ((dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+        return L"this is a file, and no package's folder: ";
+    return L"there is no LumUnInst.log that can be read in ";
+}
+
+// A null kind asks for the check.
+static int WorkOn(const wchar_t* pszArgument, const KindName* pKind)
+{
+    const CString strFolder = CleanFolderArgument(pszArgument);
+    const Package package = { strFolder, ReadCheckedList(strFolder + kFileListPath) };
     if (!package.list.bReadable)
-        return Refuse(L"there is no LumUnInst.log that can be read in ", pszFolder);
+        return Refuse(WhyUnreadable(strFolder), pszArgument);
     if (pKind != nullptr)
     {
         PrintPlan(package, pKind->nKind);
@@ -79,7 +101,7 @@ static int WorkOn(const wchar_t* pszFolder, const KindName* pKind)
 
 int wmain(int argc, wchar_t** argv)
 {
-    if (argc == 2 && wcscmp(argv[1], L"--help") == 0)
+    if (argc == 2 && (wcscmp(argv[1], L"--help") == 0 || wcscmp(argv[1], L"/?") == 0))
     {
         PrintLine(stdout, kUsage);
         return EXIT_CLEAN;
@@ -89,5 +111,6 @@ int wmain(int argc, wchar_t** argv)
     if (argc != 4 || wcscmp(argv[1], L"--plan") != 0)
         return Refuse(kUsage, L"");
     const KindName* pKind = FindKind(argv[2]);
-    return pKind != nullptr ? WorkOn(argv[3], pKind) : Refuse(L"no such kind of install: ", argv[2]);
+    return pKind != nullptr ? WorkOn(argv[3], pKind)
+                            : Refuse(L"the kind of install is user, all or portable, and not ", argv[2]);
 }

@@ -13,6 +13,8 @@ unsigned int g_nVerMinor;
 unsigned int g_nVerFix;
 unsigned int g_nVerBuild;
 
+static const wchar_t kTail[] = L" | ";
+
 struct RecordForm
 {
     const wchar_t* pszPrefix;
@@ -47,16 +49,21 @@ static CString WithoutBlanks(const wchar_t* pszText)
     return strText;
 }
 
-// A prefix that was meant, but for its case or its blanks.
-static const wchar_t* FindNearMiss(const wchar_t* pszLine)
+// A prefix that was meant, but for its case or its blanks. Behind one that nothing follows, the blank is trimmed.
+static void CheckRemark(CFindings& findings, const ListLine& line)
 {
-    const CString strLine = WithoutBlanks(pszLine);
+    const CString strLine = WithoutBlanks(line.strText);
     for (const RecordForm& form : kRecordForms)
     {
-        if (FindRecordValue(strLine, WithoutBlanks(form.pszPrefix)) != nullptr)
-            return form.pszPrefix;
+        const wchar_t* pszValue = FindRecordValue(strLine, WithoutBlanks(form.pszPrefix));
+        if (pszValue == nullptr)
+            continue;
+        const FindingKind nKind = form.bOfInstall  ? FINDING_NEAR_INSTALL_MADE
+                                  : *pszValue == 0 ? FINDING_NAME_MISSING
+                                                   : FINDING_NEAR_MISS;
+        findings.Add(nKind, line.nNumber, line.strText, form.pszPrefix);
+        return;
     }
-    return nullptr;
 }
 
 static bool IsAbsolute(const CString& strPath)
@@ -71,8 +78,17 @@ static bool IsClimbing(const CString& strPath)
     return strParts.Find(L"\\..\\") >= 0;
 }
 
+// What is wrong with a drive or a tail is told as such.
+static void CheckName(CFindings& findings, const ListLine& line, const CString& strName, bool bHasTail)
+{
+    const CString strForbidden = FindForbidden(strName, bHasTail);
+    if (!strForbidden.IsEmpty() && !IsAbsolute(strName) && (bHasTail || line.strText.Find(kTail) < 0))
+        findings.Add(FINDING_IMPOSSIBLE_NAME, line.nNumber, line.strText, strForbidden);
+}
+
 static void CheckTarget(CFindings& findings, const ListLine& line, const CString& strSource, const CString& strTarget)
 {
+    CheckName(findings, line, strTarget, false);
     if (IsMask(strSource))
         findings.Add(FINDING_MASK_RENAMED, line.nNumber, line.strText);
     if (strTarget.IsEmpty())
@@ -105,10 +121,13 @@ static void CheckPaths(CFindings& findings, const ListLine& line, const RecordFo
         findings.Add(FINDING_ABSOLUTE, line.nNumber, line.strText);
     if (IsClimbing(strTaken) || IsClimbing(strOther))
         findings.Add(FINDING_CLIMBING, line.nNumber, line.strText);
-    if (!form.bHasTail && line.strText.Find(L" | ") >= 0)
+    if (!form.bHasTail && line.strText.Find(kTail) >= 0)
         findings.Add(FINDING_TAIL, line.nNumber, line.strText);
     if (form.bHasTail && strTaken.Find(L'/') >= 0)
         findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
+    const CString strMeant = DecodeUtf8(DecodeUtf8(strTaken).IsEmpty() ? strOther : strTaken);
+    if (!strMeant.IsEmpty())
+        findings.Add(FINDING_UTF8_NAME, line.nNumber, line.strText, strMeant);
 }
 
 static void CheckRecord(CFindings& findings, const ListLine& line, const RecordForm& form)
@@ -118,9 +137,13 @@ static void CheckRecord(CFindings& findings, const ListLine& line, const RecordF
         findings.Add(FINDING_INSTALL_MADE, line.nNumber, line.strText);
         return;
     }
+    const wchar_t* pszValue = FindRecordValue(line.strText, form.pszPrefix);
     CheckPaths(findings, line, form);
     if (form.bCopied)
-        CheckCopied(findings, line, FindRecordValue(line.strText, form.pszPrefix));
+        CheckCopied(findings, line, pszValue);
+    else
+        CheckName(findings, line, form.bHasTail ? GetNameToRemove(line.strText, form.pszPrefix) : CString(pszValue),
+                  form.bHasTail);
 }
 
 // A remark may be as long as it likes, unless what is cut off makes a record.
@@ -138,11 +161,10 @@ static void CheckLines(const std::vector<ListLine>& lines, CFindings& findings)
     {
         const ListLine& line = lines[i];
         const RecordForm* pForm = FindForm(line.strText);
-        const wchar_t* pszNearMiss = pForm == nullptr && !line.bRest ? FindNearMiss(line.strText) : nullptr;
         if (pForm != nullptr)
             CheckRecord(findings, line, *pForm);
-        if (pszNearMiss != nullptr)
-            findings.Add(FINDING_NEAR_MISS, line.nNumber, line.strText, pszNearMiss);
+        else if (!line.bRest)
+            CheckRemark(findings, line);
         if (i > 0 && IsTooLong(lines[i - 1], line))
             findings.Add(FINDING_LONG_LINE, line.nNumber, lines[i - 1].strText);
         bRecords = bRecords || pForm != nullptr;
@@ -171,6 +193,17 @@ static bool IsOfSetup(const CString& strName)
     return false;
 }
 
+// A list holds one byte a character.
+static bool CanStandInList(const CString& strName)
+{
+    for (int i = 0; i < strName.GetLength(); ++i)
+    {
+        if (strName[i] > 0xFF)
+            return false;
+    }
+    return true;
+}
+
 // strBelow is the relative folder, empty or with a backslash at its end.
 static void CheckFolder(const Package& package, const CString& strBelow, const std::set<CString>& named,
                         CFindings& findings)
@@ -188,7 +221,7 @@ static void CheckFolder(const Package& package, const CString& strBelow, const s
         if ((match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
             CheckFolder(package, strName + L"\\", named, findings);
         else if (!IsOfSetup(strName) && named.count(FoldPath(strFolder + match.cFileName)) == 0)
-            findings.Add(FINDING_FILE_UNNAMED, 0, strName, strName);
+            findings.Add(CanStandInList(strName) ? FINDING_FILE_UNNAMED : FINDING_FILE_UNNAMEABLE, 0, strName, strName);
     } while (FindNextFileW(find, &match));
 }
 
@@ -216,6 +249,11 @@ static void CheckInstalled(const CFileTree& tree, CFindings& findings)
 
 void CheckPackage(const Package& package, CFindings& findings)
 {
+    if (package.list.bZeroBytes || package.list.bLoneReturns)
+    {
+        findings.Add(package.list.bZeroBytes ? FINDING_ZERO_BYTES : FINDING_LONE_RETURNS, 1, CString());
+        return;
+    }
     CheckList(package.list, findings);
     std::set<CString> named;
     for (const InstallKind nKind : { KIND_CURRENT_USER, KIND_ALL_USERS, KIND_PORTABLE })

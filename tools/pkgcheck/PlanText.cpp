@@ -38,8 +38,14 @@ void PrintPlan(const Package& package, InstallKind nKind)
     Plan plan = { nKind, {}, {}, findings };
     PlanInstall(package, plan);
     PrintEntries(L"An install creates:", plan.tree);
-    PlanRemoval(package, plan);
-    PrintEntries(L"A removal leaves:", plan.tree);
+    const CString strUninstaller = CString(kTarget) + kUninstallerPath;
+    if (plan.tree.Exists(strUninstaller) && !plan.tree.IsFolder(strUninstaller))
+    {
+        PlanRemoval(package, plan);
+        PrintEntries(L"A removal leaves:", plan.tree);
+    }
+    else
+        PrintEntries(L"No record brings LumUnInst.exe: there is no removal, and this stays:", plan.tree);
     plan.tree.Boot();
     PrintEntries(L"The next start of the machine leaves:", plan.tree);
 }

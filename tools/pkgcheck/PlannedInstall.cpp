@@ -83,8 +83,10 @@ static void ClearTarget(const RecordCopy& copy, const CString& strSource, const 
 // A file that landed under the name before, but not of the same source.
 static void ReportOverwritten(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
 {
-    const TreeEntry* pEarlier = copy.plan.tree.Find(strTarget);
-    if (pEarlier != nullptr && !pEarlier->bFolder && FoldPath(pEarlier->strSource) != FoldPath(strSource))
+    const TreeEntry* pEarlier = IsRealFolder(strSource) ? nullptr : copy.plan.tree.Find(strTarget);
+    if (pEarlier != nullptr && pEarlier->bFolder)
+        copy.Report(FINDING_TARGET_IS_FOLDER, WithoutPlace(pEarlier->strPath));
+    else if (pEarlier != nullptr && FoldPath(pEarlier->strSource) != FoldPath(strSource))
         copy.Report(FINDING_WRITTEN_TWICE, pEarlier->strSource.Mid(copy.package.strFolder.GetLength() + 1));
 }
 
@@ -101,8 +103,10 @@ static void ReportRenamed(const RecordCopy& copy, const CString& strSource, cons
 {
     const CFileTree& tree = copy.plan.tree;
     const CString strFolder = CutLastPart(strTarget);
-    if (!PathExists(strSource))
+    if (!PathExists(strSource) || IsRealFolder(strSource))
         copy.Report(FINDING_NO_MATCH);
+    else if (!tree.IsFolder(kTarget) && FoldPath(strTarget).Find(FoldPath(kTarget)) == 0)
+        copy.Report(FINDING_RENAMED_FIRST);
     else if (!tree.IsFolder(strFolder))
         copy.Report(FINDING_RENAMED_TOO_EARLY, WithoutPlace(strFolder));
     else if (tree.IsFolder(strTarget))
@@ -114,11 +118,18 @@ static void NoteNamed(const RecordCopy& copy, const CString& strFile)
     copy.plan.named.insert(FoldPath(strFile));
 }
 
+// A name in UTF-8 meets no file, but the one that it was meant for isn't forgotten.
+static void NoteMeant(const RecordCopy& copy, const CString& strName)
+{
+    NoteNamed(copy, WithSeparator(copy.package.strFolder) + DecodeUtf8(strName));
+}
+
 static void CopyRenamed(const RecordCopy& copy, const CString& strName, const CString& strTarget)
 {
     const CString strSource = WithSeparator(copy.package.strFolder) + strName;
     ReportRenamed(copy, strSource, strTarget);
     NoteNamed(copy, strSource);
+    NoteMeant(copy, strName);
     ReplaceOneFile(copy, strSource, strTarget);
 }
 
@@ -165,6 +176,7 @@ static void CopyMatchingFiles(const RecordCopy& copy, const CString& strMask, co
     if (!find.IsOpen())
     {
         copy.Report(FINDING_NO_MATCH);
+        NoteMeant(copy, strMask);
         return;
     }
 
@@ -202,6 +214,9 @@ static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
     const CString strParent = CutLastPart(strFolder);
     if (!copy.plan.tree.IsFolder(strParent))
         copy.Report(FINDING_MADE_TOO_EARLY, WithoutPlace(strParent));
+    const TreeEntry* pEarlier = copy.plan.tree.Find(strFolder);
+    if (pEarlier != nullptr && !pEarlier->bFolder)
+        copy.Report(FINDING_NAME_TAKEN, WithoutPlace(pEarlier->strPath));
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
 }
 
@@ -253,10 +268,12 @@ void PlanInstall(const Package& package, Plan& plan)
         ProcessLine(package, plan, line);
 
     // The list goes along whether a record names it or not.
+    const CString strSource = package.strFolder + kFileListPath;
     const CString strList = CString(kTarget) + kFileListPath;
+    const ListLine noLine = { 0, false, CString() };
     plan.tree.MakeFolder(kTarget);
-    plan.tree.RemoveFile(strList);
-    plan.tree.PutFile({ strList, false, package.strFolder + kFileListPath });
+    ClearTarget({ package, plan, noLine, false }, strSource, strList);
+    plan.tree.PutFile({ strList, false, strSource });
     if (plan.nKind != KIND_PORTABLE)
         MakeLinks(plan);
 }

@@ -43,19 +43,36 @@ static void DeleteMatchingFiles(Plan& plan, const ListLine& line, const CString&
     }
 }
 
+static void ReportNamedFolder(Plan& plan, const ListLine& line, const CString& strName)
+{
+    const bool bRemovedOnly =
+        FindRecordValue(line.strText, kFileDel) != nullptr || FindRecordValue(line.strText, kFileOverwrite) != nullptr;
+    if (bRemovedOnly && !IsMask(strName) && plan.tree.IsFolder(InTarget(strName)))
+        plan.findings.Add(FINDING_FOLDER_DELETED, line.nNumber, line.strText, strName);
+}
+
+static void RemoveLoggedFolder(Plan& plan, const ListLine& line, const CString& strFolder, const CString& strOpenList)
+{
+    if (FoldPath(strFolder) == FoldPath(strOpenList))
+        plan.findings.Add(FINDING_LIST_NAMED, line.nNumber, line.strText);
+    if (!plan.tree.RemoveFolder(strFolder))
+        plan.tree.RemoveAtBoot(strFolder);
+}
+
 static void RemoveLoggedFiles(Plan& plan, const CheckedList& list, const CString& strOpenList)
 {
     CString strName;
     for (const ListLine& line : list.lines)
     {
-        if (FindNameToRemove(line, strName))
-            DeleteMatchingFiles(plan, line, strName, strOpenList);
+        if (!FindNameToRemove(line, strName))
+            continue;
+        ReportNamedFolder(plan, line, strName);
+        DeleteMatchingFiles(plan, line, strName, strOpenList);
     }
     for (const ListLine& line : list.lines)
     {
-        const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
-        if (pszFolder != nullptr && !plan.tree.RemoveFolder(InTarget(pszFolder)))
-            plan.tree.RemoveAtBoot(InTarget(pszFolder));
+        if (const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir))
+            RemoveLoggedFolder(plan, line, InTarget(pszFolder), strOpenList);
     }
 }
 
