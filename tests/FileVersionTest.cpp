@@ -2,6 +2,8 @@
 #include "install/FileVersion.h"
 
 #include "app/RunState.h"
+#include "foundation/BoundFunction.h"
+#include "foundation/Owners.h"
 #include "tests/support/Corner.h"
 #include "tests/support/Environment.h"
 #include "tests/support/ImportHook.h"
@@ -9,6 +11,21 @@
 class FileVersion : public MachineCorner
 {
 };
+
+static DWORD s_cbRefused;
+
+static void* RefuseBlock(size_t cb)
+{
+    return cb == s_cbRefused ? nullptr : calloc(1, cb);
+}
+
+// Of the block that a file's version is read into.
+static DWORD VersionBlockSize(const std::wstring& strPath)
+{
+    const CLibraryOwner library(LoadLibraryW(L"version.dll"));
+    const auto pfnGetSize = FindFunction<decltype(&GetFileVersionInfoSizeW)>(library, "GetFileVersionInfoSizeW");
+    return pfnGetSize(strPath.c_str(), nullptr);
+}
 
 TEST_F(FileVersion, FourPartsAreReadByTheSystemsLibraryAndAreZeroWithoutAVersion)
 {
@@ -28,6 +45,21 @@ TEST_F(FileVersion, FourPartsAreReadByTheSystemsLibraryAndAreZeroWithoutAVersion
         const std::vector<unsigned int> parts{ g_nVerMajor, g_nVerMinor, g_nVerFix, g_nVerBuild };
         EXPECT_EQ(parts,
                   strPath == At(L"altered.exe") ? (std::vector{ 65534u, 32769u, 32767u, 65533u }) : std::vector(4, 0u));
+    }
+}
+
+TEST_F(FileVersion, AFileHasNoneWhereTheBlockForItIsntToBeHad)
+{
+    const std::wstring strPath = CPackage::ProductOfVersion(L"8.21.0.0");
+    for (const DWORD cbRefused : { VersionBlockSize(strPath), 0ul })
+    {
+        s_cbRefused = cbRefused;
+        g_nVerMajor = 77;
+        {
+            const CImportHook hook("msvcrt.dll", "malloc", &RefuseBlock);
+            ReadFileVersion(strPath.c_str());
+        }
+        EXPECT_EQ(g_nVerMajor, cbRefused != 0 ? 0u : 8u);
     }
 }
 

@@ -112,6 +112,17 @@ void* CCallFaults::Replace(const char* pszFunction, void* pfn)
     return pfnEarlier;
 }
 
+void* CCallFaults::Precede(const char* pszFunction, void* pfn)
+{
+    ForEachImport(GetModuleHandleW(nullptr),
+                  [&](const char*, const char* pszImport, void** ppfn)
+                  {
+                      if (strcmp(pszImport, pszFunction) == 0)
+                          StoreInTable(ppfn, pfn);
+                  });
+    return FindEntry(pszFunction);
+}
+
 void CCallFaults::Fail(const char* pszFunction, int nCalls, INT_PTR nResult, DWORD nError)
 {
     ENTRY* pEntry = FindEntry(pszFunction);

@@ -20,6 +20,9 @@ public:
     // From here on the calls that don't fail go to this function. Returns the one that they went to.
     void* Replace(const char* pszFunction, void* pfn);
 
+    // From here on all calls, failing ones too, come to this function first. Returns the one that it has to call.
+    void* Precede(const char* pszFunction, void* pfn);
+
     // The next so many calls set the error and give that result.
     void Fail(const char* pszFunction, int nCalls, INT_PTR nResult, DWORD nError);
 

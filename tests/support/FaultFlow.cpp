@@ -10,6 +10,7 @@
 
 #include "app/RunState.h"
 #include "app/StartBindings.h"
+#include "foundation/AssocExtensions.h"
 #include "tests/support/CallFaults.h"
 #include "tests/support/Files.h"
 #include "tests/support/PendingList.h"
@@ -17,7 +18,6 @@
 #include "tests/support/RegistryCorner.h"
 #include "tests/support/SharedList.h"
 
-#define OTHER_HIVE L"S-1-5-21-7-7-7-1001"
 #define WINDOWS_KEY L"Software\\Microsoft\\Windows\\CurrentVersion\\"
 
 const BYSTANDER_KEY kBystanderKeys[9] = {
@@ -36,9 +36,20 @@ namespace
 {
 
 const wchar_t* const kBystanderFiles[] = {
-    L"user.txt", L"target\\user.txt",        L"target\\Sub\\user.txt",           L"package\\a.txt",
-    L"package",  L"all\\Desktop\\Other.lnk", L"all\\Programs\\Other\\Other.lnk", L"user\\Startup\\Other.lnk",
+    L"user.txt",
+    L"target\\user.txt",
+    L"target\\Sub\\user.txt",
+    L"package\\a.txt",
+    L"package",
+    L"all\\Desktop\\Other.lnk",
+    L"all\\Programs\\Other\\Other.lnk",
+    L"user\\Startup\\Other.lnk",
+    L"other\\Startup\\Other.lnk",
 };
+
+const char kMine[] = "mine"; // what they hold
+
+const int kRegisteredValues = kAssocExtCount + 18; // the formats, and what the other tables of the registration hold
 
 const char kList[] = "File Del: old.dll\nMake Dir: Sub\nFile Copy: Lumacap8.exe\nFile Copy: a.txt\n"
                      "File Copy: b.txt > c.txt\nFile Copy: Lang\\*.*\nFile Copy x64: x64\\simd.dll\n"
@@ -48,6 +59,8 @@ const char kList[] = "File Del: old.dll\nMake Dir: Sub\nFile Copy: Lumacap8.exe\
 struct WORLD
 {
     std::wstring strModule;
+    std::wstring strLastFolder; // that a removal takes away
+    int nValues = 0;            // that were tried
     std::string strActs;
     std::string strBoxes;
     int nExitCode = 0;
@@ -57,6 +70,8 @@ struct WORLD
     decltype(&CoCreateInstance) pfnCreateInstance = nullptr;
     decltype(&GetProcAddress) pfnGetProcAddress = nullptr;
     decltype(&TerminateProcess) pfnTerminate = nullptr;
+    decltype(&RegCreateKeyW) pfnCreateKey = nullptr;
+    decltype(&RemoveDirectoryW) pfnRemoveDirectory = nullptr;
 };
 WORLD* s_pWorld;
 void* s_aExit[5]; // where exit() goes to. No exception can leave it: the compiler takes it for one that throws none
@@ -134,6 +149,22 @@ FARPROC WINAPI StandInGetProcAddress(HMODULE hModule, LPCSTR pszName)
     return reinterpret_cast<FARPROC>(pfn != nullptr ? CCallFaults::EntryOf(pszName, pfn) : nullptr);
 }
 
+// The registration makes the key anew for each of its values.
+LSTATUS WINAPI WatchCreateKey(HKEY hRoot, LPCWSTR pszKey, PHKEY phKey)
+{
+    s_pWorld->nValues++;
+    if (wcscmp(pszKey, L"Applications\\Lumacap8.exe\\shell\\open\\command") == 0)
+        s_pWorld->strActs += s_pWorld->nValues == kRegisteredValues ? 'K' : 'k';
+    return s_pWorld->pfnCreateKey(hRoot, pszKey, phKey);
+}
+
+BOOL WINAPI WatchRemoveDirectory(LPCWSTR pszFolder)
+{
+    if (pszFolder == s_pWorld->strLastFolder)
+        s_pWorld->strActs += 'S';
+    return s_pWorld->pfnRemoveDirectory(pszFolder);
+}
+
 struct METHOD
 {
     int nIndex;
@@ -191,17 +222,19 @@ void PutStandIns(CCallFaults& faults)
     };
     for (const auto& row : kStandIns)
         faults.Replace(row.pszFunction, row.pfn);
-    const auto replace = [&](const char* pszFunction, auto pfn, auto& pfnOriginal)
+    const auto put = [&](auto method, const char* pszFunction, auto pfn, auto& pfnOriginal)
     {
-        void* const pOriginal = faults.Replace(pszFunction, reinterpret_cast<void*>(pfn));
+        void* const pOriginal = (faults.*method)(pszFunction, reinterpret_cast<void*>(pfn));
         pfnOriginal = reinterpret_cast<std::decay_t<decltype(pfnOriginal)>>(pOriginal);
     };
-    replace("TerminateProcess", &StandInTerminateProcess, s_pWorld->pfnTerminate);
-    replace("GetProcAddress", &StandInGetProcAddress, s_pWorld->pfnGetProcAddress);
-    replace("CoCreateInstance", &StandInCreateInstance, s_pWorld->pfnCreateInstance);
+    put(&CCallFaults::Replace, "TerminateProcess", &StandInTerminateProcess, s_pWorld->pfnTerminate);
+    put(&CCallFaults::Replace, "GetProcAddress", &StandInGetProcAddress, s_pWorld->pfnGetProcAddress);
+    put(&CCallFaults::Replace, "CoCreateInstance", &StandInCreateInstance, s_pWorld->pfnCreateInstance);
+    put(&CCallFaults::Precede, "RegCreateKeyW", &WatchCreateKey, s_pWorld->pfnCreateKey);
+    put(&CCallFaults::Precede, "RemoveDirectoryW", &WatchRemoveDirectory, s_pWorld->pfnRemoveDirectory);
 }
 
-// The folders of the machine and of the user are named like their settings.
+// The folders of the machine and of the users are named like their settings.
 void PutFolders(const std::wstring& strFolder)
 {
     for (const wchar_t* pszName : { L"Programs", L"Startup", L"Desktop" })
@@ -211,7 +244,7 @@ void PutFolders(const std::wstring& strFolder)
         SetKeyText(HKEY_LOCAL_MACHINE, strKey, L"Common " + strName, strFolder + L"\\all\\" + strName);
         SetKeyText(HKEY_CURRENT_USER, strKey, strName, strFolder + L"\\user\\" + strName);
         SetKeyText(HKEY_USERS, OTHER_HIVE L"\\" WINDOWS_KEY L"Explorer\\Shell Folders", strName,
-                   strFolder + L"\\user\\" + strName);
+                   strFolder + L"\\other\\" + strName);
     }
     SetKeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir",
                strFolder + L"\\Program Files");
@@ -230,7 +263,8 @@ void PutProduct(const std::wstring& strFolder)
         for (const wchar_t* pszName : { L"a.txt", L"b.txt", L"busy.txt", L"Lang\\a.txt", L"Lang\\b.txt" })
             WriteBytes(at(pszRoot) + pszName, "x");
     for (const wchar_t* pszName : { L"package\\absent.dll", L"target\\old.dll", L"target\\LumUnInst.exe",
-                                    L"all\\Programs\\Lumacap 8\\Lumacap 8.lnk", L"user\\Programs\\Lumacap 8\\x.lnk" })
+                                    L"all\\Programs\\Lumacap 8\\Lumacap 8.lnk", L"user\\Programs\\Lumacap 8\\x.lnk",
+                                    L"other\\Programs\\Lumacap 8\\x.lnk" })
         WriteBytes(at(pszName), "x");
     SetAttributes(at(L"target\\old.dll"), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
     WriteBytes(at(L"package\\LumUnInst.log"), kList);
@@ -252,7 +286,7 @@ void PutBystanders(const std::wstring& strFolder)
 {
     for (const wchar_t* pszFile : kBystanderFiles)
         if (wcschr(pszFile, L'.') != nullptr)
-            WriteBytes(strFolder + L"\\" + pszFile, "x");
+            WriteBytes(strFolder + L"\\" + pszFile, kMine);
     for (const BYSTANDER_KEY& key : kBystanderKeys)
         SetKeyText(key.hRoot, key.pszKey, L"", L"mine");
 }
@@ -260,9 +294,21 @@ void PutBystanders(const std::wstring& strFolder)
 std::string LostBystanders(Flow flow, const std::wstring& strFolder)
 {
     std::wstring strLost;
+    const std::string strProfile = PendingProfile();
+    std::wstring strWaiting(strProfile.begin(), strProfile.end());
+    for (const PENDING& entry : PendingEntries())
+        strWaiting += entry.strSource + L"\n";
+    for (size_t n = 0; (n = strWaiting.find(L"\\\\", n)) != std::wstring::npos;)
+        strWaiting.erase(n, 1); // some of the program's paths have two separators in a row
     for (const wchar_t* pszFile : kBystanderFiles)
-        if (!IsThere(strFolder + L"\\" + pszFile))
+    {
+        const std::wstring strPath = strFolder + L"\\" + pszFile;
+        const bool bFile = wcschr(pszFile, L'.') != nullptr;
+        if (!IsThere(strPath) || (bFile && ReadBytes(strPath) != kMine))
             strLost += L" lost " + std::wstring(pszFile);
+        else if (bFile && strWaiting.find(strPath) != std::wstring::npos)
+            strLost += L" lost at the restart " + std::wstring(pszFile);
+    }
     for (const BYSTANDER_KEY& key : kBystanderKeys)
         if (KeyText(key.hRoot, key.pszKey, L"") != L"mine")
             strLost += L" lost " + std::wstring(key.pszKey);
@@ -330,6 +376,7 @@ std::string RunFlow(Flow flow, const FAULT* pFault, const FAULT* pWith, int nUse
     world.strModule = flow == FLOW_INSTALL    ? strFolder + L"\\package\\setup.exe"
                       : flow == FLOW_RELAUNCH ? strUninstaller
                                               : strFolder + L"\\temp\\uni1.tmp";
+    world.strLastFolder = strFolder + L"\\other\\Programs\\Lumacap 8\\";
     for (HANDLE& hEnded : world.ahEnded)
         hEnded = CreateEventW(nullptr, TRUE, TRUE, nullptr);
     s_pWorld = &world;

@@ -25,13 +25,17 @@ enum Flow
 
 const int kEveryUse = MAXINT;
 
-// Runs the flow in an own folder, which is made, with so many failing uses. strListed is the process that the list of
+// Runs the flow in an own folder, which is made, with so many failing uses. nListed is the process that the list of
 // instances shows. Gives `CODE ACTS` and what else is to be told: `: BOX TEXT` (its first line) for each box shown, `
 // lost THING` for what isn't the product's and has suffered. The acts are letters: T another instance ended, H handler
 // registered, h unregistered, R product told to register, r to unregister, X second stage started, P product started, E
-// computer restarted, W web page opened. The code is `exception` if one has left the program.
+// computer restarted, W web page opened. Two letters tell how far the work got, whether the calls fail or not: K the
+// last value of the registration tried, behind all others (k: not all), S the last act of a removal tried. The code is
+// `exception` if one has left the program.
 std::string RunFlow(Flow flow, const FAULT* pFault, const FAULT* pWith, int nUses, const std::wstring& strFolder,
                     DWORD nListed);
+
+#define OTHER_HIVE L"S-1-5-21-7-7-7-1001" // of a user who is logged on beside the current one: the last of the hives
 
 // The registry keys, outside of the product's own, that the flows' bystanders live in.
 struct BYSTANDER_KEY
