@@ -6,8 +6,8 @@ SHELL := /bin/bash
 help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
 	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
-	@echo 'make interruption end installs and removals at every change they make, and run them again (10 minutes)'
-	@echo 'make hostile      walk many more hostile lists than the tests do (about 5 minutes; LISTS=n, FIRST=n)'
+	@echo 'make interruption end installs, upgrades and removals at every change they make, run them again (10 minutes)'
+	@echo 'make hostile      many more hostile lists and command lines than in the tests (5 minutes; LISTS=n, FIRST=n)'
 	@echo 'make build        build/setup.exe and the sample package build/package/ (one to three minutes)'
 	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
 	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'

@@ -27,6 +27,9 @@ struct alignas(16) HEADER
 
 HEADER s_all = { &s_all, &s_all, 0, 0 };
 size_t s_nLive;
+size_t s_cbLive;
+size_t s_cbMost;
+size_t s_cbAtStart;
 size_t s_nDamaged;
 decltype(&malloc) s_pfnMalloc;
 decltype(&realloc) s_pfnRealloc;
@@ -60,6 +63,8 @@ void* GuardedMalloc(size_t cb)
     s_all.pNext->pPrevious = pHeader;
     s_all.pNext = pHeader;
     s_nLive++;
+    s_cbLive += cb;
+    s_cbMost = s_cbLive > s_cbMost ? s_cbLive : s_cbMost;
     memset(reinterpret_cast<char*>(pHeader + 1) + cb, kTailByte, kTail);
     return pHeader + 1;
 }
@@ -79,6 +84,7 @@ void GuardedFree(void* pBlock)
     pHeader->pPrevious->pNext = pHeader->pNext;
     pHeader->pNext->pPrevious = pHeader->pPrevious;
     s_nLive--;
+    s_cbLive -= pHeader->cb;
     memset(pHeader, kFreedByte, sizeof(HEADER) + pHeader->cb);
     s_pfnFree(pHeader);
 }
@@ -121,6 +127,16 @@ void StartHeapGuard()
 size_t LiveBlocks()
 {
     return s_nLive;
+}
+
+void CountBytesFromHere()
+{
+    s_cbMost = s_cbAtStart = s_cbLive;
+}
+
+size_t MostBytes()
+{
+    return s_cbMost - s_cbAtStart;
 }
 
 size_t DamagedBlocks()

@@ -1,6 +1,7 @@
 // The generator's own arithmetic: the library's distributions differ from one library to the next.
 #include "tests/support/HostileLists.h"
 
+#include <algorithm>
 #include <random>
 
 namespace
@@ -136,6 +137,7 @@ std::string LongHostileList(unsigned int nSeed, int nLines)
     std::string strList;
     for (int i = 0; i < nLines; i++)
         strList += (dice.OneIn(200) ? Line(dice) : dice.OneOf(kOddPrefixes) + std::string(dice.OneOf(kParts))) + "\n";
+    strList.erase(std::remove(strList.begin(), strList.end(), '\x1A'), strList.end());
     return strList;
 }
 

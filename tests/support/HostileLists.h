@@ -7,7 +7,7 @@
 // A list of a few lines, or of none: records with odd prefixes and values, ends of all kinds, and plain garbage.
 std::string HostileList(unsigned int nSeed);
 
-// So many lines, a few of which are records.
+// At least so many lines, a few of which are records; without the character that ends a text.
 std::string LongHostileList(unsigned int nSeed, int nLines);
 
 // Arguments behind the first: switches in any case and order, their values, and what only looks like them.

@@ -223,6 +223,7 @@ void InterruptionCorner::InterruptBeforeChanges(const std::wstring& strCommand, 
 {
     int nChanges = 0;
     attempt([&] { nChanges = static_cast<int>(RunRole(strCommand, kCountOnly)); });
+    ASSERT_GT(nChanges, 50) << "the exit code of a run that failed";
     const std::vector<std::wstring> machine = TakeMachinePicture();
     const int nPoints = std::min(CountPoints() * 7 / 10, nChanges);
     for (int i = 0; i < nPoints; i++)
