@@ -329,6 +329,7 @@ TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
         { "\x1A\n\x1A", strLast + "end-mark" },
         { "Make Dir: LumUnInst.log", strLast + "list-named" },
         { "Make Dir: Lang\\english.txt", strLast + "impossible-name" },
+        { "Make Dir: Lumacap8.exe\\a", strLast + "impossible-name" },
         { "Make Dir: a?", strLast + "impossible-name" },
         { "Make Dir: a > b", strLast + "impossible-name" },
         { "Make Dir: a\tb", strLast + "impossible-name" },
@@ -349,6 +350,7 @@ TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
         { "File Del: a | Gr\xC3\xBCn", "" },
         { "made dir: x", strLast + "near-miss" },
         { "File Copy: ", strLast + "near-miss" },
+        { "File Del:  | texts", strLast + "near-miss" },
     };
     for (const auto& [strLine, strFindings] : kCases)
     {

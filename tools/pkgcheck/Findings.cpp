@@ -37,7 +37,7 @@ static const FindingText kTexts[] = {
       L"Save the list with one byte a character, as Latin-1 or ANSI; a name beyond that needs a mask." },
     { FINDING_NEAR_MISS, L"near-miss", L"The line is taken for a remark: it copies, makes and removes nothing.",
       L"Begin the line with \"%1\", to the letter and with the blank behind it." },
-    { FINDING_NAME_MISSING, L"near-miss", L"No name stands behind \"%1\": the line is taken for a remark.",
+    { FINDING_NAME_MISSING, L"near-miss", L"No name stands behind \"%1\": the line does nothing.",
       L"Write the name, or leave the line out." },
     { FINDING_NEAR_INSTALL_MADE, L"near-miss",
       L"The line is taken for a remark. As a record it would be one that an install appends itself.",

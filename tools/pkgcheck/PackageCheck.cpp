@@ -123,6 +123,8 @@ static void CheckPaths(CFindings& findings, const ListLine& line, const RecordFo
         findings.Add(FINDING_CLIMBING, line.nNumber, line.strText);
     if (!form.bHasTail && line.strText.Find(kTail) >= 0)
         findings.Add(FINDING_TAIL, line.nNumber, line.strText);
+    if (form.bHasTail && strTaken.IsEmpty())
+        findings.Add(FINDING_NAME_MISSING, line.nNumber, line.strText, form.pszPrefix);
     if (form.bHasTail && strTaken.Find(L'/') >= 0)
         findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
     const CString strMeant = DecodeUtf8(DecodeUtf8(strTaken).IsEmpty() ? strOther : strTaken);

@@ -208,15 +208,22 @@ static void CopyBesideTarget(const RecordCopy& copy, const wchar_t* pszValue)
     CopyRecord(copy, pszValue, kBeside);
 }
 
+// A file where a folder is needed: behind it nothing lands.
+static void ReportTaken(const RecordCopy& copy, const CString& strFolder)
+{
+    const TreeEntry* pEarlier = copy.plan.tree.Find(strFolder);
+    if (pEarlier != nullptr && !pEarlier->bFolder)
+        copy.Report(FINDING_NAME_TAKEN, WithoutPlace(pEarlier->strPath));
+}
+
 static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
 {
     const CString strFolder = CString(kTarget) + L"\\" + pszValue;
     const CString strParent = CutLastPart(strFolder);
     if (!copy.plan.tree.IsFolder(strParent))
         copy.Report(FINDING_MADE_TOO_EARLY, WithoutPlace(strParent));
-    const TreeEntry* pEarlier = copy.plan.tree.Find(strFolder);
-    if (pEarlier != nullptr && !pEarlier->bFolder)
-        copy.Report(FINDING_NAME_TAKEN, WithoutPlace(pEarlier->strPath));
+    ReportTaken(copy, strParent);
+    ReportTaken(copy, strFolder);
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
 }
 
