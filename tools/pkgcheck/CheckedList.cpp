@@ -36,7 +36,7 @@ static bool BeginsWithMark(const std::string& strBytes)
 // One at the very end harms nothing.
 static bool HasLoneReturns(const std::string& strBytes)
 {
-    return strBytes.find('\n') == std::string::npos && strBytes.find('\r') < strBytes.find_last_not_of("\r");
+    return strBytes.find('\n') == std::string::npos && strBytes.find('\r') < strBytes.find_last_not_of('\r');
 }
 
 // A line of nLength characters, its line end included, is read in pieces of 511. The last of them may be the line end
