@@ -62,6 +62,9 @@ std::string Findings(const CHECKED& checked)
     return strFindings;
 }
 
+// Of each file. A removal reads it if an install gives the file the name of the second list.
+const char kContent[] = "File Del: Lum*.log";
+
 // Lists for what a random one meets too rarely, each over a package with all files.
 const char* const kLists[] = {
     "File Copy: a.txt\nMake Dir: d\nMake Dir: d\\d\nMake Dir: d\\d\\f\nFile Del: d\\.\nMake Dir: x32\n"
@@ -75,6 +78,12 @@ const char* const kLists[] = {
     "File Copy: a.txt\nMake Dir: LumUnInst.log\nMake Dir: a.txt\nMake Dir: q*\nFile Copy: b.txt > b > c\n"
     "File Copy: b.txt > *.json\nFile Copy: c.dat\nFile Copy:  > c.dat\nMake Dir: d.dll\nFile Copy: d.dll\n"
     "File Copy: sub\\a.txt\nFile Del: sub\nFile Copy: sub > a.txt\nFile Del: sub\\a.txt|remark",
+    "File Copy: a.txt >\nFile Copy: a.txt > new\\\nFile Copy: sub\\a.txt\nFile Copy: a.txt > new\\\n"
+    "File Copy: a.txt > sub\\\nMake Dir: sub",
+    "File Copy: *.txt\nFile Copy: sub > x.txt\nFile Copy: sub > a.txt\nFile Copy: c.dat > b.txt\\\n"
+    "File Copy: b.txt > new/",
+    "File Copy: sub\\a.txt\nMake Dir: sub\nFile Copy: a.txt > install.log",
+    "File Copy: a.txt > .\nFile Copy: a.txt",
 };
 
 // A package from a seed: some of the files, and records that meet them, miss them, and get into each other's way.
@@ -91,7 +100,7 @@ public:
                L"sub\\deep\\u.txt", L"sub\\deep\\v.dat", L"x64\\w.dll", L"other\\z.txt" })
         {
             if (pszList != nullptr || Number(5) > 0 || wcscmp(pszFile, L"LumUnInst.exe") == 0)
-                WriteBytes(strFolder + L"\\" + pszFile, "content");
+                WriteBytes(strFolder + L"\\" + pszFile, kContent);
         }
         if (pszList != nullptr)
             WriteBytes(strFolder + L"\\install.log", "File Del: sub\\c.txt");
@@ -135,7 +144,7 @@ private:
             return strPrefix + OneOf({ "a.txt", "b.txt", "c.dat", "d.dll", "sub\\s.dll", "sub\\deep\\u.txt" }) +
                    OneOf({ " > ", ">" }) +
                    OneOf({ "x.txt", "sub\\x.txt", "new\\x.txt", "A.TXT", "c.dat", "sub", "d", "..\\out.txt", "d/x.txt",
-                           "x64\\a.txt", "d\\e\\y.txt", "z . " });
+                           "new\\", "sub\\", "x64\\a.txt", "d\\e\\y.txt", "z . " });
         return strPrefix + OneOf({ "a.txt",       "b.txt",      "*.txt",  "a.*",           "?.TXT",
                                    "*.d*",        "sub\\*.dll", "sub\\*", "x64\\*",        "sub\\deep\\*.*",
                                    "*",           "*.*",        "s*",     "sub/s.dll",     "sub/*.txt",
@@ -315,7 +324,13 @@ TEST_F(PackageCheck, SamplePackageIsCleanUntilALineOfItsListIsWrong)
         { "Make Dir: Lang | texts", strLast + "tail" },
         { "File Copy: Lumacap8.exe > \\l.exe", strLast + "absolute" },
         { "File Copy: Lumacap8.exe > /l.exe", strLast + "absolute|" + strLast + "forward-slash" },
-        { "File Del: Lang/../x.txt", strLast + "climbing|" + strLast + "forward-slash" },
+        { "File Del: Lang\\..\\x.txt", "" },
+        { "File Copy: Lumacap8.exe > Lang\\", strLast + "empty-target" },
+        { "Make Dir: B/C", strLast + "made-too-early" },
+        { "Make Dir: B\r\nMake Dir: B\\C\r\nMake Dir: B\\D\r\nMake Dir: B", "" },
+        { "File Copy x64: Lang\\English.txt > Lumacap8.exe", "" },
+        { "File Copy: Lang\\English.txt > Lumacap8.exe", strLast + "written-twice" },
+        { "File Del: Lang/../../x.txt", strLast + "climbing|" + strLast + "forward-slash" },
         { "File Copy: ..\\x.txt > y.txt", strLast + "climbing" },
         { "File Copy ind: Lang/English.txt > E.txt", strLast + "library-test" },
         { "File Copy: Lumacap8.exe > Lang/l.exe", strLast + "forward-slash" },
@@ -387,7 +402,7 @@ TEST_F(PackageCheck, FilesThatNoRecordNamesAreMissedOneByOne)
 {
     const CPackage package(At(L"package"));
     DeleteFileW(package.At(L"setup.exe").c_str());
-    WriteBytes(package.At(L"Setup.EXE"), "");
+    WriteBytes(package.At(L"Lumacap8Setup.EXE"), "");
     const TEXTS tree = ListTree(package.Folder());
     const auto nFiles = std::count_if(tree.begin(), tree.end(), [](const auto& str) { return str.back() != L'\\'; });
     const std::tuple<std::string, int, std::string> kCases[] = {
@@ -411,6 +426,7 @@ TEST_F(PackageCheck, FolderThatStaysIsBlamedOnTheRecordThatCanHelp)
 {
     for (const wchar_t* pszFile : { L"b.txt", L"sub\\a.txt", L"sub\\deep\\u.txt", L"sub\\deep\\low\\v.txt" })
         WriteBytes(At(L"package\\") + pszFile, "");
+    MakeFolder(At(L"package\\none"));
     const std::pair<const char*, const char*> kCases[] = {
         { "File Copy: sub\\a.txt\nMake Dir: sub\nMake Dir: sub\\x", "2 parent-first" },
         { "File Copy: sub\\a.txt\nFile Copy: b.txt > sub/f.txt", "2 forward-slash" },
@@ -418,6 +434,9 @@ TEST_F(PackageCheck, FolderThatStaysIsBlamedOnTheRecordThatCanHelp)
         { "File Copy: b.txt\nMake Dir: sub\nMake Dir: sub\\deep\nFile Copy: sub\\deep\\low\\v.txt\nMake Dir: sub",
           "2 parent-first|4 folder-unnamed" },
         { "File Copy prt: sub\\d*", "1 folder-caught" },
+        { "File Copy: b.txt\nMake Dir: A\nMake Dir: A\nMake Dir: A\\B\nMake Dir: A\\C", "3 parent-first" },
+        { "File Copy: b.txt\nFile Copy x64: sub\\deep\\u.txt\nMake Dir: sub\\deep\nMake Dir: sub", "" },
+        { "File Copy: b.txt\nFile Copy: none\\*", "2 no-match" },
         { "File Copy: sub\\a.txt\nMake Dir: sub\nMake Dir: b.txt\nFile Copy: b.txt", "4 target-is-folder" },
     };
     for (const auto& [pszList, pszFindings] : kCases)

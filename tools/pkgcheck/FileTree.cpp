@@ -162,10 +162,12 @@ bool CFileTree::MakeFolder(const wchar_t* pszPath, int nLine)
     return true;
 }
 
+// A path with a separator at its end is a folder's, and no file's.
 bool CFileTree::PutFile(TreeEntry file)
 {
+    const bool bNoName = file.strPath.Right(1).FindOneOf(L"\\/") >= 0;
     file.strPath = Normalize(file.strPath);
-    if (IsFolder(file.strPath) || !CanHold(file.strPath))
+    if (bNoName || IsFolder(file.strPath) || !CanHold(file.strPath))
         return false;
     Enter(file);
     return true;

@@ -62,7 +62,8 @@ static const FindingText kTexts[] = {
     { FINDING_MASK_RENAMED, L"mask-renamed", L"A record with \">\" takes one file and no mask: nothing is copied.",
       L"Write one record for each file, or leave the \">\" out." },
     { FINDING_EMPTY_TARGET, L"empty-target",
-      L"Without a name behind \">\" the file lands as \".new\", and a restart is asked for.",
+      L"A file's name is missing behind \">\": if the folder stands, the file lands in or beside it as \".new\", and a "
+      L"restart is asked for; otherwise nothing is copied.",
       L"Write the name, or leave the \">\" out." },
     { FINDING_IMPOSSIBLE_NAME, L"impossible-name",
       L"No file or folder can have %1 in its name: nothing is copied, made or removed.",
@@ -85,7 +86,7 @@ static const FindingText kTexts[] = {
       L"Write a file's name behind \">\"." },
     { FINDING_RENAMED_TOO_EARLY, L"renamed-too-early",
       L"A record with \">\" makes no folder, and %1 isn't there yet: nothing is copied.",
-      L"Make the folder before, by \"Make Dir: \" or by a copy without \">\"." },
+      L"Make the folder before, by a copy without \">\", or in the target folder by \"Make Dir: \"." },
     { FINDING_RENAMED_FIRST, L"renamed-too-early",
       L"A record with \">\" makes no folder, and the target folder isn't there yet: nothing is copied.",
       L"Put a \"File Copy: \" record without \">\" before this one: the first file makes the target folder." },

@@ -73,9 +73,18 @@ static bool IsAbsolute(const CString& strPath)
 
 static bool IsClimbing(const CString& strPath)
 {
-    CString strParts = L"\\" + strPath + L"\\";
-    strParts.Replace(L'/', L'\\');
-    return strParts.Find(L"\\..\\") >= 0;
+    CString strRest = strPath + L"\\";
+    strRest.Replace(L'/', L'\\');
+    int nDepth = 0;
+    for (int nEnd; (nEnd = strRest.Find(L'\\')) >= 0 && nDepth >= 0; strRest = strRest.Mid(nEnd + 1))
+    {
+        const CString strPart = strRest.Left(nEnd);
+        if (strPart == L"..")
+            --nDepth;
+        else if (!strPart.IsEmpty() && strPart != L".")
+            ++nDepth;
+    }
+    return nDepth < 0;
 }
 
 // What is wrong with a drive or a tail is told as such.
@@ -91,7 +100,7 @@ static void CheckTarget(CFindings& findings, const ListLine& line, const CString
     CheckName(findings, line, strTarget, false);
     if (IsMask(strSource))
         findings.Add(FINDING_MASK_RENAMED, line.nNumber, line.strText);
-    if (strTarget.IsEmpty())
+    if (strTarget.IsEmpty() || strTarget.Right(1).FindOneOf(L"\\/") >= 0)
         findings.Add(FINDING_EMPTY_TARGET, line.nNumber, line.strText);
     if (strTarget.Find(L'/') >= 0)
         findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
@@ -184,10 +193,12 @@ static void CheckList(const CheckedList& list, CFindings& findings)
         findings.Add(FINDING_END_MARK, list.nEndMarkLine, CString());
 }
 
-// What the setup itself needs beside it, and no record has to name.
+// The setup, under any name with its own in it, and what it needs beside it: no record has to name these.
 static bool IsOfSetup(const CString& strName)
 {
-    for (const wchar_t* pszName : { L"setup.exe", kFileListName, L"agreement.txt" })
+    if (strName.Find(L'\\') < 0 && FoldCase(strName).Find(L"SETUP.EXE") >= 0)
+        return true;
+    for (const wchar_t* pszName : { kFileListName, L"agreement.txt" })
     {
         if (strName.CompareNoCase(pszName) == 0)
             return true;

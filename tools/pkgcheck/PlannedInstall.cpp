@@ -80,13 +80,30 @@ static void ClearTarget(const RecordCopy& copy, const CString& strSource, const 
         LeaveForReboot(copy, strSource, strTarget);
 }
 
-// A file that landed under the name before, but not of the same source.
+static bool IsPortableOnly(const wchar_t* pszLine)
+{
+    return FindRecordValue(pszLine, kFileCopyX64) != nullptr || FindRecordValue(pszLine, kFileCopyPortable) != nullptr;
+}
+
+// A portable install may have a build of its own: the record for all installs first, and its own over that.
+static bool IsPortableBuild(const RecordCopy& copy, const TreeEntry& earlier)
+{
+    for (const ListLine& line : copy.package.list.lines)
+    {
+        if (line.nNumber == earlier.nLine && IsPortableOnly(line.strText))
+            return false;
+    }
+    return IsPortableOnly(copy.line.strText);
+}
+
+// A file that landed under the name before, but not of the same source. A folder is no source, and reported as such.
 static void ReportOverwritten(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
 {
     const TreeEntry* pEarlier = IsRealFolder(strSource) ? nullptr : copy.plan.tree.Find(strTarget);
     if (pEarlier != nullptr && pEarlier->bFolder)
         copy.Report(FINDING_TARGET_IS_FOLDER, WithoutPlace(pEarlier->strPath));
-    else if (pEarlier != nullptr && FoldPath(pEarlier->strSource) != FoldPath(strSource))
+    else if (pEarlier != nullptr && FoldPath(pEarlier->strSource) != FoldPath(strSource) &&
+             !IsPortableBuild(copy, *pEarlier))
         copy.Report(FINDING_WRITTEN_TWICE, pEarlier->strSource.Mid(copy.package.strFolder.GetLength() + 1));
 }
 
@@ -153,12 +170,14 @@ static void CopyMatches(const RecordCopy& copy, HANDLE hFind, WIN32_FIND_DATAW m
                         const CString& strSourceFolder, const CString& strTarget)
 {
     const CString strFound = strPattern.Left(std::max(strPattern.ReverseFind(L'\\'), strPattern.ReverseFind(L'/')) + 1);
+    bool bMet = false;
     bool bGoesOn = true;
     do
     {
         const bool bFolder = (match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         if (IsDotName(match.cFileName))
             continue;
+        bMet = true;
         if (bFolder)
             copy.Report(FINDING_FOLDER_CAUGHT, match.cFileName);
         else
@@ -166,6 +185,8 @@ static void CopyMatches(const RecordCopy& copy, HANDLE hFind, WIN32_FIND_DATAW m
         bGoesOn = bGoesOn &&
                   ReplaceOneFile(copy, WithSeparator(strSourceFolder) + match.cFileName, strTarget + match.cFileName);
     } while (FindNextFileW(hFind, &match));
+    if (!bMet)
+        copy.Report(FINDING_NO_MATCH);
 }
 
 static void CopyMatchingFiles(const RecordCopy& copy, const CString& strMask, const wchar_t* pszTargetFolder)
@@ -216,11 +237,14 @@ static void ReportTaken(const RecordCopy& copy, const CString& strFolder)
         copy.Report(FINDING_NAME_TAKEN, WithoutPlace(pEarlier->strPath));
 }
 
+// A portable install carries all records out: a parent that is missing there is missing in every install, and one that
+// it alone has is made for its own files.
 static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
 {
-    const CString strFolder = CString(kTarget) + L"\\" + pszValue;
+    CString strFolder = CString(kTarget) + L"\\" + pszValue;
+    strFolder.Replace(L'/', L'\\');
     const CString strParent = CutLastPart(strFolder);
-    if (!copy.plan.tree.IsFolder(strParent))
+    if (copy.plan.nKind == KIND_PORTABLE && !copy.plan.tree.IsFolder(strParent))
         copy.Report(FINDING_MADE_TOO_EARLY, WithoutPlace(strParent));
     ReportTaken(copy, strParent);
     ReportTaken(copy, strFolder);

@@ -24,7 +24,7 @@ struct Plan
 {
     InstallKind nKind;
     CFileTree tree;
-    std::set<CString> named; // the package's files that a record met, folded paths relative to its folder
+    std::set<CString> named; // the package's files that a record met, folded whole paths
     CFindings& findings;
 };
 

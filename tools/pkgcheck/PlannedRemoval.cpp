@@ -76,13 +76,18 @@ static void RemoveLoggedFiles(Plan& plan, const CheckedList& list, const CString
     }
 }
 
-// A list of the second name that the package brought along.
+// A list of the second name that the package brought along. Its lines aren't those of the checked list, and what is
+// found there isn't told.
 static void RemoveBySecondList(Plan& plan)
 {
     const CString strSecondList = CString(kTarget) + kSecondListPath;
     const TreeEntry* pSecondList = plan.tree.Find(strSecondList);
-    if (pSecondList != nullptr)
-        RemoveLoggedFiles(plan, ReadCheckedList(CString(pSecondList->strSource)), strSecondList);
+    if (pSecondList == nullptr)
+        return;
+    CFindings untold;
+    Plan second = { plan.nKind, plan.tree, {}, untold };
+    RemoveLoggedFiles(second, ReadCheckedList(CString(pSecondList->strSource)), strSecondList);
+    plan.tree = second.tree;
 }
 
 static void RemoveLinks(Plan& plan)
@@ -105,18 +110,24 @@ static void RemoveFolders(CFileTree& tree)
         tree.RemoveAtBoot(kTarget);
 }
 
-// The record of a folder that lies in the given one.
+// The last record of a folder that lies in the given one; null if the given one is named behind the line as well.
 static const ListLine* FindRecordBelow(const CheckedList& list, const CString& strFolder, int nBehindLine)
 {
-    const CString strBelow = FoldPath(strFolder) + L"\\";
+    const CString strGiven = FoldPath(strFolder);
+    const CString strBelow = strGiven + L"\\";
+    const ListLine* pBelow = nullptr;
     for (const ListLine& line : list.lines)
     {
         const wchar_t* pszFolder = FindRecordValue(line.strText, kMakeDir);
-        if (pszFolder != nullptr && line.nNumber > nBehindLine &&
-            FoldPath(InTarget(pszFolder)).Left(strBelow.GetLength()) == strBelow)
-            return &line;
+        if (pszFolder == nullptr || line.nNumber <= nBehindLine)
+            continue;
+        const CString strNamed = FoldPath(InTarget(pszFolder));
+        if (strNamed == strGiven)
+            return nullptr;
+        if (strNamed.Left(strBelow.GetLength()) == strBelow)
+            pBelow = &line;
     }
-    return nullptr;
+    return pBelow;
 }
 
 // Folders that stay, though nothing is left in them, since another one was in them when it was their turn.
@@ -175,9 +186,14 @@ void PlanRemoval(const Package& package, Plan& plan)
     plan.tree.RemoveFile(CString(kTarget) + kUninstallerPath);
     RemoveLinks(plan);
     RemoveBySecondList(plan);
-    RemoveLoggedFiles(plan, package.list, strList);
+    // That one may have taken the list away: then nothing is left to go by.
+    const bool bListed = plan.tree.Exists(strList);
+    if (bListed)
+        RemoveLoggedFiles(plan, package.list, strList);
     plan.tree.RemoveFile(strList);
     RemoveFolders(plan.tree);
+    if (!bListed)
+        return;
     ReportParentsFirst(package.list, plan);
     ReportUnnamedFolders(package.list, plan);
 }
