@@ -88,10 +88,18 @@ static CString ParentOf(const CString& strPath)
     return strPath == kTarget ? CString(kBeside) : CutLastPart(strPath);
 }
 
+// A path with a separator at its end leads to folders alone.
+static bool IsForFolders(const CString& strPath)
+{
+    return strPath.Right(1).FindOneOf(L"\\/") >= 0;
+}
+
 const TreeEntry* CFileTree::Find(const wchar_t* pszPath) const
 {
     const auto entry = m_entries.find(FoldPath(pszPath));
-    return entry != m_entries.end() ? &entry->second : nullptr;
+    if (entry == m_entries.end() || (IsForFolders(pszPath) && !entry->second.bFolder))
+        return nullptr;
+    return &entry->second;
 }
 
 bool CFileTree::Exists(const wchar_t* pszPath) const
@@ -162,12 +170,11 @@ bool CFileTree::MakeFolder(const wchar_t* pszPath, int nLine)
     return true;
 }
 
-// A path with a separator at its end is a folder's, and no file's.
 bool CFileTree::PutFile(TreeEntry file)
 {
-    const bool bNoName = file.strPath.Right(1).FindOneOf(L"\\/") >= 0;
+    const bool bForFolders = IsForFolders(file.strPath);
     file.strPath = Normalize(file.strPath);
-    if (bNoName || IsFolder(file.strPath) || !CanHold(file.strPath))
+    if (bForFolders || IsFolder(file.strPath) || !CanHold(file.strPath))
         return false;
     Enter(file);
     return true;
@@ -175,7 +182,7 @@ bool CFileTree::PutFile(TreeEntry file)
 
 bool CFileTree::RemoveFile(const wchar_t* pszPath)
 {
-    return !IsFolder(pszPath) && m_entries.erase(FoldPath(pszPath)) > 0;
+    return Find(pszPath) != nullptr && !IsFolder(pszPath) && m_entries.erase(FoldPath(pszPath)) > 0;
 }
 
 bool CFileTree::RemoveFolder(const wchar_t* pszPath)

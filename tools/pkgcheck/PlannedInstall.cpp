@@ -247,7 +247,7 @@ static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
     if (copy.plan.nKind == KIND_PORTABLE && !copy.plan.tree.IsFolder(strParent))
         copy.Report(FINDING_MADE_TOO_EARLY, WithoutPlace(strParent));
     ReportTaken(copy, strParent);
-    ReportTaken(copy, strFolder);
+    ReportTaken(copy, CutTrailingBackslash(strFolder));
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
 }
 
