@@ -71,7 +71,9 @@ static const FindingText kTexts[] = {
     { FINDING_NAME_TAKEN, L"impossible-name",
       L"The file %1 landed under this name before, which no folder can have then: none is made.",
       L"Write another name, or leave the record out." },
-    { FINDING_NO_MATCH, L"no-match", L"The package holds no such file: nothing is copied.",
+    { FINDING_NO_MATCH, L"no-match",
+      L"The package holds no such file: nothing is copied. A folder before \">\" does harm: what stands under the "
+      L"target's name is lost, or renamed to .old.",
       L"Correct the name, add the file, or leave the record out." },
     { FINDING_FOLDER_CAUGHT, L"folder-caught",
       L"The mask meets the folder %1 and ends there: what comes behind it isn't copied. If the target has such a "
