@@ -10,6 +10,8 @@ shift 2
 machine_start "$name" || exit 1
 trap machine_stop EXIT
 export LUMACAP_THROWAWAY_MACHINE=1
+# A path that names no drive leads to the machine's own.
+cd "$WINEPREFIX/drive_c" || exit 1
 machine_run "$program" "$@" --gtest_brief=1 >"$machine_dir/report"
 code=$?
 cat "$machine_dir/report"
