@@ -213,7 +213,7 @@ TEST_F(HostileInput, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
         EXPECT_GT(fence.Refused(), static_cast<int>(nLists / 100));
         EXPECT_GT(fence.Allowed(), static_cast<int>(nLists / 10));
         EXPECT_GT(fence.LeftToBoot(), static_cast<int>(nLists / 100));
-        EXPECT_GT(nGroups, nLists / 1000);
+        EXPECT_GT(nGroups, nLists / 2000);
         printf("%u lists: %d changes, %d refused, %d left to the boot, %u groups\n", nLists, fence.Allowed(),
                fence.Refused(), fence.LeftToBoot(), nGroups);
     }
