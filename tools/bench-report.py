@@ -132,12 +132,10 @@ def calls(report):
 
 def floors(report):
     """What the calls that no install or removal can do without come to, with no engine around them."""
-    attributes = report.plain("call-attributes", FILES) / report.plain("call-write-attributes", FILES)  # copy to delete
-    look = report.ratio("call-attributes-of-missing")
-    read = report.ratio("call-attributes") * attributes
-    return (f"These calls alone come to a ratio of {1 + look:.2f} for an install by masks and "
-            f"{1 + look + report.ratio('call-find') + report.ratio('call-attributes'):.2f} with a record a file, of "
-            f"{1 + read:.2f} for a removal by masks and {1 + read + report.ratio('call-find-to-delete'):.2f} with a record a file.")
+    def of(name): return f"{report.ratio('needed-' + name):.2f}"
+    return (f"A loop of these calls alone, measured against the bare loop as the engine is, comes to a ratio of "
+            f"{of('install-masks')} for an install by masks and {of('install-records')} with a record a file, of "
+            f"{of('removal-masks')} for a removal by masks and {of('removal-records')} with a record a file.")
 
 
 def write_report(report, sections, folder):
@@ -155,7 +153,7 @@ def write_report(report, sections, folder):
             "## Spread of the runs", "", *spread, "", "## Whole programs", "", *whole_programs(report), "",
             "## What the platform's calls cost", "",
             "An engine that replaces whatever stands at a target and takes any name for a mask needs these calls beside the",
-            "copying or deleting: one search a record, one look at each target, one at each file's attributes. Under Wine",
+            "copying or deleting: one search a record, a look at each source and target, one at each file's attributes. Under Wine",
             "the search opens a folder, and the look at a missing target reads one, since the host's names tell upper from",
             "lower case.", "", floors(report), "",
             *calls(report), "", "## Peak working sets", "", *memory, "", "## Sections of setup.exe", "", *sizes, ""]
