@@ -38,9 +38,10 @@ static void ForEachMatch(const std::wstring& strFolder, int nFirst, int nLast, L
     for (int i = nFirst; i < nLast; i += nStep)
     {
         const std::wstring strPart = PartFolder(i / kFilesInFolder) + L"\\";
-        const std::wstring strPattern = form == BY_MASKS ? strPart + L"*.bin" : FileName(i);
+        std::wstring strPattern = strFolder + L"\\";
+        strPattern += form == BY_MASKS ? strPart + L"*.bin" : FileName(i);
         WIN32_FIND_DATAW match;
-        const HANDLE hFind = FindFirstFileW((strFolder + L"\\" + strPattern).c_str(), &match);
+        const HANDLE hFind = FindFirstFileW(strPattern.c_str(), &match);
         do
             act(strPart + match.cFileName);
         while (FindNextFileW(hFind, &match));
