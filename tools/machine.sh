@@ -87,10 +87,23 @@ machine_stop() {
     [ -n "${machine_dir:-}" ] || return 0
     "$wine_server" -k 2>/dev/null || true
     "$wine_server" -w 2>/dev/null || true
+    machine_end_unborn
     [ -n "${machine_xvfb:-}" ] && kill "$machine_xvfb" 2>/dev/null && wait "$machine_xvfb" 2>/dev/null
     rm -rf "$machine_dir"
     machine_dir=
     return 0
+}
+
+# A program whose starter was killed before it was complete is unknown to the machine, and would wait for ever.
+machine_end_unborn() {
+    local environment process
+    for environment in /proc/[0-9]*/environ; do
+        process=${environment//[!0-9]/}
+        if [[ $(readlink "/proc/$process/exe") == "${wine_program%/*}"/* ]] &&
+            tr '\0' '\n' <"$environment" | grep -qxF "WINEPREFIX=$WINEPREFIX"; then
+            kill -9 "$process" || true
+        fi
+    done 2>/dev/null
 }
 
 # Waits until the programs of the product and of its setup that still run on the machine have ended: 30 seconds at most.
