@@ -45,7 +45,7 @@ bool IsDotName(const wchar_t* pszName)
 
 bool DeleteProtectedFile(const wchar_t* pszPath)
 {
-    // Most files have neither bit. Writing back what was read would cost as much as the deletion itself.
+    // Most files have neither bit. Writing back what was read would cost up to a third of the deletion itself.
     const DWORD dwProtection = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
     const DWORD dwAttributes = GetFileAttributesW(pszPath);
     if (dwAttributes & dwProtection)
