@@ -51,11 +51,3 @@ void CPackage::SetProductVersion(const std::wstring& strVersion) const
 {
     CopyOneFile(ProductOfVersion(strVersion), At(L"Lumacap8.exe"));
 }
-
-void CPackage::AppendListLine(const std::string& strLine) const
-{
-    std::string strList = ReadBytes(List());
-    if (!strList.empty() && strList.back() != '\n')
-        strList += "\r\n";
-    WriteBytes(List(), strList + strLine + "\r\n");
-}

@@ -24,8 +24,6 @@ public:
     void SetProductVersion(const std::wstring& strVersion) const;
     static std::wstring ProductOfVersion(const std::wstring& strVersion); // path of that executable
 
-    void AppendListLine(const std::string& strLine) const; // its line end is added
-
 private:
     std::wstring m_strFolder;
 };
