@@ -5,15 +5,15 @@ SHELL := /bin/bash
 
 help:
 	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 1 minute)'
-	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes)'
+	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes, 2 of them building)'
 	@echo 'make interruption end installs, upgrades and removals at every change they make, run them again (10 minutes)'
-	@echo 'make hostile      many more hostile lists and command lines than in the tests (5 minutes; LISTS=n, FIRST=n)'
+	@echo 'make hostile      many more hostile lists and command lines than in the tests (5 minutes)'
 	@echo 'make build        build/setup.exe and the sample package build/package/ (one to three minutes)'
 	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
 	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'
 	@echo 'make coverage     all tests on a build that counts lines; the report by file (about 5 minutes)'
 	@echo 'make bench        time, memory and size against plain counterparts, build/bench/report.md (about 7 minutes)'
-	@echo 'make lint         format, static analysis (about 3 minutes)'
+	@echo 'make lint         format, static analysis (about 5 minutes)'
 	@echo 'make clean        remove build/'
 
 prerequisites:
@@ -25,13 +25,14 @@ build: prerequisites
 test: build
 	@tools/run-tests.sh release
 
-interruption: build
-	@tools/interruption.sh
+interruption hostile: build
+	@tools/run-tests.sh release --timeout 3600 --tests-regex '^($(if $(filter hostile,$@),Hostile,Interruption.*))$$'
+interruption: export LUMACAP_INTERRUPTIONS ?= 400
+hostile: export LUMACAP_HOSTILE_LISTS ?= 200000
+hostile: export LUMACAP_HOSTILE_FIRST ?= 20001
 
-hostile: build
-	@tools/hostile.sh
-
-demo: build
+demo: prerequisites
+	@tools/build.sh release setup sample_package player
 	@tools/demo.sh
 
 wizard: build

@@ -5,5 +5,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/machine.sh
 machine_make_base
-echo "Running the tests (about 5 minutes)"
+echo "Running the tests (about 3 minutes)"
 ctest --preset "$@"

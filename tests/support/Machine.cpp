@@ -1,31 +1,476 @@
-// The version is a setting of Wine; the folders and the boot list are Windows' own.
+// The registry is read by saving it, which Wine does in its own text format: of the whole of it that takes a fiftieth
+// of the time that its enumeration does.
 #include "tests/support/Machine.h"
 
-#include <gtest/gtest.h>
+#include <shlobj.h>
 
-#include "tests/support/PendingList.h"
-#include "tests/support/ProcessRun.h"
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <stdlib.h>
 
-static const wchar_t kExplorerKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\";
+#include "foundation/Owners.h"
+#include "tests/support/Programs.h"
 
-CWindowsVersion::CWindowsVersion(const wchar_t* pszVersion)
+static const wchar_t kSessionKey[] = L"System\\CurrentControlSet\\Control\\Session Manager";
+static const wchar_t kPendingValue[] = L"PendingFileRenameOperations";
+
+static void Demand(bool bDone, const char* pszAct, const std::wstring& strWhat)
 {
-    m_registry.Keep(HKEY_CURRENT_USER, L"Software\\Wine");
-    SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine", L"Version", pszVersion);
+    if (!bDone)
+        Fail(std::string(pszAct) + " " + Bytes(strWhat) + ": error " + std::to_string(GetLastError()));
 }
 
-CFolderRedirection::CFolderRedirection(HKEY hRoot, const wchar_t* pszName, const std::wstring& strFolder)
+std::wstring BuildFolder()
 {
-    // The second key is the system's record of the folders found, which follows the first.
-    const std::wstring strKey = std::wstring(kExplorerKey) + L"User Shell Folders";
-    m_registry.Keep(hRoot, strKey);
-    m_registry.Keep(hRoot, std::wstring(kExplorerKey) + L"Shell Folders");
-    SetKeyText(hRoot, strKey, pszName, strFolder);
+    return Replaced(std::wstring(L"Z:") + _wgetenv(L"LUMACAP_BUILD"), L"/", L"\\");
+}
+
+std::wstring ProductOfVersion(const std::wstring& strVersion)
+{
+    return BuildFolder() + L"\\variants\\Lumacap8-" + strVersion + L".exe";
+}
+
+TEXTS Split(const std::wstring& strText, wchar_t chSeparator)
+{
+    TEXTS parts;
+    for (size_t nStart = 0, nEnd = 0; !strText.empty() && nEnd != std::wstring::npos; nStart = nEnd + 1)
+    {
+        nEnd = strText.find(chSeparator, nStart);
+        parts.push_back(strText.substr(nStart, nEnd == std::wstring::npos ? nEnd : nEnd - nStart));
+    }
+    return parts;
+}
+
+std::wstring Join(const TEXTS& texts, const wchar_t* pszBetween)
+{
+    std::wstring strJoined;
+    for (const std::wstring& strText : texts)
+        strJoined += (&strText == texts.data() ? L"" : pszBetween) + strText;
+    return strJoined;
+}
+
+std::wstring Replaced(std::wstring strText, const std::wstring& strFrom, const std::wstring& strTo)
+{
+    for (size_t n = 0; (n = strText.find(strFrom, n)) != std::wstring::npos; n += strTo.size())
+        strText.replace(n, strFrom.size(), strTo);
+    return strText;
+}
+
+std::string Bytes(const std::wstring& strText)
+{
+    std::string strBytes;
+    for (const wchar_t ch : strText)
+        strBytes += ch < 0x100 ? static_cast<char>(ch) : '?';
+    return strBytes;
+}
+
+std::wstring Wide(const std::string& strBytes)
+{
+    std::wstring strText;
+    for (const char ch : strBytes)
+        strText += static_cast<unsigned char>(ch);
+    return strText;
+}
+
+// --- Files
+
+static std::vector<WIN32_FIND_DATAW> EntriesOf(const std::wstring& strFolder)
+{
+    std::vector<WIN32_FIND_DATAW> entries;
+    WIN32_FIND_DATAW found;
+    const CFindOwner hFind(FindFirstFileW((strFolder + L"\\*").c_str(), &found));
+    for (BOOL bMore = hFind.IsOpen(); bMore; bMore = FindNextFileW(hFind, &found))
+        if (wcscmp(found.cFileName, L".") != 0 && wcscmp(found.cFileName, L"..") != 0)
+            entries.push_back(found);
+    return entries;
+}
+
+static bool IsFolder(DWORD nAttributes)
+{
+    return (nAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsThere(const std::wstring& strPath)
+{
+    return AttributesOf(strPath) != INVALID_FILE_ATTRIBUTES;
+}
+
+DWORD AttributesOf(const std::wstring& strPath)
+{
+    return GetFileAttributesW(strPath.c_str());
+}
+
+void SetAttributes(const std::wstring& strPath, DWORD nAttributes)
+{
+    Demand(SetFileAttributesW(strPath.c_str(), nAttributes), "attributes of", strPath);
+}
+
+void MakeFolder(const std::wstring& strPath)
+{
+    const int nResult = SHCreateDirectoryExW(nullptr, strPath.c_str(), nullptr);
+    Demand(nResult == ERROR_SUCCESS || IsThere(strPath), "make", strPath);
+}
+
+void WriteBytes(const std::wstring& strPath, const std::string& strBytes)
+{
+    MakeFolder(strPath.substr(0, strPath.rfind(L'\\')));
+    const CStreamOwner file(_wfopen(strPath.c_str(), L"wb"));
+    Demand(file.IsOpen() && fwrite(strBytes.data(), 1, strBytes.size(), file) == strBytes.size(), "write", strPath);
+}
+
+std::string ReadBytes(const std::wstring& strPath)
+{
+    const DWORD nSharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const CFileOwner file(CreateFileW(strPath.c_str(), GENERIC_READ, nSharing, nullptr, OPEN_EXISTING, 0, nullptr));
+    std::string strBytes(file.IsOpen() ? GetFileSize(file, nullptr) : 0, '\0');
+    DWORD cbRead = 0;
+    Demand(file.IsOpen() && ReadFile(file, &strBytes[0], static_cast<DWORD>(strBytes.size()), &cbRead, nullptr), "read",
+           strPath);
+    return strBytes.substr(0, cbRead);
+}
+
+void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo)
+{
+    MakeFolder(strTo.substr(0, strTo.rfind(L'\\')));
+    Demand(CopyFileW(strFrom.c_str(), strTo.c_str(), FALSE), "copy to", strTo);
+}
+
+void CopyTree(const std::wstring& strFrom, const std::wstring& strTo)
+{
+    MakeFolder(strTo);
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFrom))
+    {
+        const std::wstring strName = std::wstring(L"\\") + entry.cFileName;
+        if (IsFolder(entry.dwFileAttributes))
+            CopyTree(strFrom + strName, strTo + strName);
+        else
+            CopyOneFile(strFrom + strName, strTo + strName);
+    }
+}
+
+static bool TryRemoveTree(const std::wstring& strPath)
+{
+    const DWORD nAttributes = AttributesOf(strPath);
+    if (nAttributes == INVALID_FILE_ATTRIBUTES)
+        return true;
+    SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+    if (!IsFolder(nAttributes))
+        return DeleteFileW(strPath.c_str());
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(strPath))
+        TryRemoveTree(strPath + L"\\" + entry.cFileName);
+    return RemoveDirectoryW(strPath.c_str());
+}
+
+void RemoveTree(const std::wstring& strPath)
+{
+    // An ended program's image stays busy for a moment.
+    Demand(WaitUntil([&] { return TryRemoveTree(strPath); }), "remove", strPath);
+}
+
+static void AddBelow(const std::wstring& strFolder, const std::wstring& strPrefix, TEXTS& paths)
+{
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFolder))
+    {
+        const std::wstring strPath = strPrefix + entry.cFileName;
+        paths.push_back(IsFolder(entry.dwFileAttributes) ? strPath + L"\\" : strPath);
+        if (IsFolder(entry.dwFileAttributes))
+            AddBelow(strFolder + L"\\" + entry.cFileName, strPath + L"\\", paths);
+    }
+}
+
+TEXTS ListTree(const std::wstring& strFolder)
+{
+    TEXTS paths;
+    AddBelow(strFolder, L"", paths);
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+CFileHold::CFileHold(const std::wstring& strPath, DWORD nSharing)
+{
+    if (nSharing == kAsImage)
+    {
+        CopyOneFile(L"C:\\windows\\system32\\regsvr32.exe", strPath);
+        m_hImage = LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    }
+    else
+        m_hFile = CreateFileW(strPath.c_str(), GENERIC_READ, nSharing, nullptr, OPEN_EXISTING, 0, nullptr);
+    Demand(m_hImage != nullptr || m_hFile != INVALID_HANDLE_VALUE, "hold", strPath);
+}
+
+void CFileHold::Release()
+{
+    if (m_hImage != nullptr)
+        FreeLibrary(m_hImage);
+    if (m_hFile != INVALID_HANDLE_VALUE)
+        CloseHandle(m_hFile);
+    m_hImage = nullptr;
+    m_hFile = INVALID_HANDLE_VALUE;
+}
+
+// --- Registry
+
+static bool Open(HKEY hRoot, const std::wstring& strKey, CKeyOwner& key)
+{
+    return RegOpenKeyExW(hRoot, strKey.c_str(), 0, KEY_READ, key.Receive()) == ERROR_SUCCESS;
+}
+
+std::wstring KeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName)
+{
+    DWORD nType = 0;
+    std::vector<BYTE> data(4096);
+    DWORD cb = static_cast<DWORD>(data.size());
+    const DWORD nFlags = RRF_RT_ANY | RRF_NOEXPAND;
+    if (RegGetValueW(hRoot, strKey.c_str(), strName.c_str(), nFlags, &nType, data.data(), &cb) != ERROR_SUCCESS)
+        return L"(absent)";
+    if (nType == REG_DWORD)
+        return L"dword " + std::to_wstring(*reinterpret_cast<const DWORD*>(data.data()));
+    return nType == REG_SZ ? reinterpret_cast<const wchar_t*>(data.data()) : L"type " + std::to_wstring(nType);
+}
+
+bool KeyExists(HKEY hRoot, const std::wstring& strKey)
+{
+    CKeyOwner key;
+    return Open(hRoot, strKey, key);
+}
+
+void SetKeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, const std::wstring& strText)
+{
+    const DWORD cb = static_cast<DWORD>((strText.size() + 1) * sizeof(wchar_t));
+    Demand(RegSetKeyValueW(hRoot, strKey.c_str(), strName.c_str(), REG_SZ, strText.c_str(), cb) == 0, "set", strKey);
+}
+
+void MakeKey(HKEY hRoot, const std::wstring& strKey)
+{
+    CKeyOwner key;
+    Demand(RegCreateKeyW(hRoot, strKey.c_str(), key.Receive()) == ERROR_SUCCESS, "make", strKey);
+}
+
+void RemoveKey(HKEY hRoot, const std::wstring& strKey)
+{
+    RegDeleteTreeW(hRoot, strKey.c_str());
+    Demand(!KeyExists(hRoot, strKey), "remove", strKey);
+}
+
+void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName)
+{
+    RegDeleteKeyValueW(hRoot, strKey.c_str(), strName.c_str());
+}
+
+static void AllowSaving()
+{
+    HANDLE hToken = nullptr;
+    OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &hToken);
+    const CHandleOwner token(hToken);
+    TOKEN_PRIVILEGES privileges = { 1, { { {}, SE_PRIVILEGE_ENABLED } } };
+    LookupPrivilegeValueW(nullptr, SE_BACKUP_NAME, &privileges.Privileges[0].Luid);
+    AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
+}
+
+static std::string SavedKey(HKEY hKey)
+{
+    static const bool s_bAllowed = (AllowSaving(), true);
+    const std::wstring strFile = L"C:\\saved." + std::to_wstring(GetCurrentProcessId());
+    Demand(s_bAllowed && RegSaveKeyW(hKey, strFile.c_str(), nullptr) == ERROR_SUCCESS, "save", strFile);
+    const std::string strSaved = ReadBytes(strFile);
+    RemoveTree(strFile);
+    return strSaved;
+}
+
+// `"A \"text\""` to `A "text"`, `dword:0000000a` to `dword 10`, all else as it stands.
+static std::wstring SavedText(const std::wstring& strSaved)
+{
+    if (strSaved.compare(0, 6, L"dword:") == 0)
+        return L"dword " + std::to_wstring(wcstoul(strSaved.c_str() + 6, nullptr, 16));
+    if (strSaved.empty() || strSaved[0] != L'"')
+        return strSaved;
+    std::wstring strText;
+    for (size_t n = 1; n + 1 < strSaved.size(); n++)
+        strText += strSaved[n] == L'\\' ? strSaved[++n] : strSaved[n];
+    return strText;
+}
+
+static size_t EndOfQuoted(const std::wstring& strLine)
+{
+    size_t n = 1;
+    for (; n < strLine.size() && strLine[n] != L'"'; n++)
+        n += strLine[n] == L'\\';
+    return n + 1;
+}
+
+// A saved key is a line `[PATH] TIME`, with lines `"NAME"=DATA` or `@=DATA` behind it.
+void FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strLabel, TEXTS& lines)
+{
+    CKeyOwner key;
+    if (!Open(hRoot, strKey, key))
+        return;
+    std::wstring strPath;
+    bool bEmpty = false;
+    const auto endKey = [&]
+    {
+        if (bEmpty)
+            lines.push_back(strPath + L"\\");
+        bEmpty = false;
+    };
+    for (const std::wstring& strLine : Split(Replaced(Wide(SavedKey(key)), L"\\\n  ", L""), L'\n'))
+    {
+        const bool bNamed = strLine[0] == L'"';
+        if (strLine[0] == L'[')
+        {
+            endKey();
+            const std::wstring strRelative = strLine.substr(1, strLine.rfind(L']') - 1);
+            strPath = strLabel + (strRelative.empty() ? L"" : L"\\") + Replaced(strRelative, L"\\\\", L"\\");
+            bEmpty = true;
+        }
+        else if (bNamed || strLine[0] == L'@')
+        {
+            const size_t nEnd = bNamed ? EndOfQuoted(strLine) : 1;
+            const std::wstring strName = strLine.substr(0, nEnd);
+            lines.push_back(strPath + L" : " + SavedText(strName) + L" = " + SavedText(strLine.substr(nEnd + 1)));
+            bEmpty = false;
+        }
+    }
+    endKey();
+}
+
+// --- Boot list, links, pictures
+
+static std::wstring Plain(std::wstring strPath)
+{
+    const size_t nPrefix = strPath.find(L"\\??\\");
+    return nPrefix > 1 ? strPath : strPath.erase(nPrefix, 4);
+}
+
+TEXTS PendingEntries()
+{
+    TEXTS entries;
+    DWORD cb = 0;
+    if (RegGetValueW(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, nullptr, &cb) != 0)
+        return entries;
+    std::wstring strList(cb / sizeof(wchar_t), L'\0');
+    RegGetValueW(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, &strList[0], &cb);
+    for (size_t n = 0; n < strList.size() && strList[n] != L'\0';) // pairs, in which an empty text is a target
+    {
+        const std::wstring strSource = strList.c_str() + n;
+        const std::wstring strTarget = strList.c_str() + n + strSource.size() + 1;
+        entries.push_back(strTarget.empty() ? L"-" + Plain(strSource) : Plain(strSource) + L">" + Plain(strTarget));
+        n += strSource.size() + strTarget.size() + 2;
+    }
+    return entries;
+}
+
+void BlockPending()
+{
+    SetKeyText(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, L""); // a type that MoveFileExW refuses
+}
+
+void ClearPending()
+{
+    RemoveValue(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue);
+    RemoveTree(kPendingProfile);
+    RemoveTree(L"C:\\windows\\wininit.bak"); // what a restart makes of it
+}
+
+std::wstring LinkText(const std::wstring& strPath)
+{
+    wchar_t szTarget[1024] = L"";
+    wchar_t szFolder[1024] = L"";
+    CoInitialize(nullptr);
+    CInterfaceOwner<IShellLinkW> pLink;
+    CInterfaceOwner<IPersistFile> pFile;
+    Demand(SUCCEEDED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                                      reinterpret_cast<void**>(pLink.Receive()))) &&
+               SUCCEEDED(pLink->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(pFile.Receive()))),
+           "link", strPath);
+    if (FAILED(pFile->Load(strPath.c_str(), STGM_READ)))
+        return L"(no link)";
+    pLink->GetPath(szTarget, 1024, nullptr, SLGP_RAWPATH);
+    pLink->GetWorkingDirectory(szFolder, 1024);
+    return szTarget + (szFolder[0] != 0 ? std::wstring(L" in ") + szFolder : L"");
+}
+
+void PictureFolder(const std::wstring& strFolder, TEXTS& lines)
+{
+    for (const std::wstring& strRelative : ListTree(strFolder))
+    {
+        const std::wstring strPath = strFolder + L"\\" + strRelative;
+        std::wstring strLine = strPath;
+        if (strPath.size() > 4 && strPath.compare(strPath.size() - 4, 4, L".lnk") == 0)
+            strLine += L" -> " + LinkText(strPath); // its content tells the time of its making
+        else if (strPath.back() != L'\\')
+            strLine += L" = " + std::to_wstring(std::hash<std::string>()(ReadBytes(strPath)));
+        const DWORD nOdd = AttributesOf(strPath) & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+        lines.push_back(nOdd != 0 ? strLine + L" (attributes " + std::to_wstring(nOdd) + L")" : strLine);
+    }
+}
+
+// Windows' own files are some hundred megabytes: size and time tell of a change too.
+static void PictureWindows(const std::wstring& strFolder, TEXTS& lines)
+{
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFolder))
+    {
+        const std::wstring strPath = strFolder + L"\\" + entry.cFileName;
+        const FILETIME& written = entry.ftLastWriteTime;
+        if (IsFolder(entry.dwFileAttributes))
+        {
+            lines.push_back(strPath + L"\\");
+            PictureWindows(strPath, lines);
+        }
+        else
+            lines.push_back(strPath + L" = " + std::to_wstring(entry.nFileSizeLow) + L" bytes of " +
+                            std::to_wstring(written.dwHighDateTime) + L"." + std::to_wstring(written.dwLowDateTime));
+    }
+}
+
+TEXTS TakePicture()
+{
+    TEXTS lines;
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(L"C:"))
+    {
+        const std::wstring strPath = std::wstring(L"C:\\") + entry.cFileName;
+        lines.push_back(strPath + L"\\");
+        _wcsicmp(entry.cFileName, L"windows") == 0 ? PictureWindows(strPath, lines) : PictureFolder(strPath, lines);
+    }
+    FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", lines);
+    FlattenKey(HKEY_USERS, L"", L"HKU", lines);
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+TEXTS Difference(const TEXTS& earlier, const TEXTS& later)
+{
+    TEXTS lines;
+    const auto add = [&](const TEXTS& first, const TEXTS& second, const wchar_t* pszSign)
+    {
+        TEXTS only;
+        std::set_difference(first.begin(), first.end(), second.begin(), second.end(), std::back_inserter(only));
+        for (const std::wstring& strLine : only)
+            lines.push_back(pszSign + strLine);
+    };
+    add(later, earlier, L"+ ");
+    add(earlier, later, L"- ");
+    std::sort(lines.begin(), lines.end(),
+              [](const auto& a, const auto& b) { return a.compare(2, a.npos, b, 2, b.npos) < 0; });
+    return lines;
+}
+
+// --- Settings of the machine
+
+void SetWindowsVersion(const std::wstring& strVersion)
+{
+    SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine", L"Version", strVersion);
+}
+
+void MoveFolder(HKEY hRoot, const std::wstring& strName, const std::wstring& strFolder)
+{
+    SetKeyText(hRoot, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", strName,
+               strFolder);
 }
 
 void RestartMachine()
 {
-    // With -r the start-up links and the Run keys aren't followed.
-    RunToEnd(L"C:\\windows\\system32\\wineboot.exe -r");
-    EXPECT_TRUE(PendingEntries().empty()) << "the boot list wasn't worked through";
+    RunToEnd(L"C:\\windows\\system32\\wineboot.exe -r"); // with -r neither start-up links nor Run keys are followed
+    if (!PendingEntries().empty())
+        Fail("the boot list wasn't worked through");
 }

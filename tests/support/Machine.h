@@ -1,34 +1,92 @@
-// Settings of the machine under test: its Windows version, its special folders, its restart.
+// The machine as the tests make and see it, with plain platform calls, byte by byte, never through the program. It is
+// thrown away after the run, so nothing is put back. A helper that can't do its work tells of a failure.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
-#include "tests/support/RegistryCorner.h"
+using TEXTS = std::vector<std::wstring>;
 
-// Programs started during the object's life run on that Windows: "winxp64" (5.2), "vista" (6.0), "win7" (6.1),
-// "win8" (6.2), "win81" (6.3), "win10" (10.0). This process keeps its own.
-class CWindowsVersion
+// Makes the running test or scenario fail, and goes on. Each program with tests has its own.
+void Fail(const std::string& strWhat);
+
+// Folders of the host, as this machine sees them; no trailing backslash.
+std::wstring BuildFolder();
+std::wstring SourceFolder(); // of the whole project
+std::wstring
+ProductOfVersion(const std::wstring& strVersion); // "8.19.9.0", ..., "none": path of a product's executable
+
+TEXTS Split(const std::wstring& strText, wchar_t chSeparator); // none of an empty text
+std::wstring Join(const TEXTS& texts, const wchar_t* pszBetween = L"|");
+std::wstring Replaced(std::wstring strText, const std::wstring& strFrom, const std::wstring& strTo); // all of them
+std::string Bytes(const std::wstring& strText); // a byte a character, `?` above 0xFF
+std::wstring Wide(const std::string& strBytes); // a character a byte
+
+bool IsThere(const std::wstring& strPath);       // a file or a folder
+DWORD AttributesOf(const std::wstring& strPath); // INVALID_FILE_ATTRIBUTES for a path that isn't there
+void SetAttributes(const std::wstring& strPath, DWORD nAttributes);
+void MakeFolder(const std::wstring& strPath);                              // with its parents
+void WriteBytes(const std::wstring& strPath, const std::string& strBytes); // with its folder
+std::string ReadBytes(const std::wstring& strPath); // also of a file that others hold open for writing
+void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo); // with its folder
+void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);    // the content of a folder
+void RemoveTree(const std::wstring& strPath);  // a file too, read-only ones; nothing if it isn't there
+TEXTS ListTree(const std::wstring& strFolder); // sorted relative paths, folders end in a backslash; none if missing
+
+// Keeps a file open. With FILE_SHARE_READ nobody can replace or remove it; with FILE_SHARE_WRITE besides it can be
+// overwritten; with 0 not even be read. With kAsImage it becomes a mapped program, which can only be renamed.
+const DWORD kAsImage = ~0u;
+class CFileHold
 {
 public:
-    explicit CWindowsVersion(const wchar_t* pszVersion);
+    CFileHold(const std::wstring& strPath, DWORD nSharing);
+    ~CFileHold() { Release(); }
+    CFileHold(const CFileHold&) = delete;
+    CFileHold& operator=(const CFileHold&) = delete;
+    void Release();
 
 private:
-    CRegistryCorner m_registry;
+    HANDLE m_hFile = INVALID_HANDLE_VALUE;
+    HMODULE m_hImage = nullptr;
 };
 
-// Moves a special folder for the object's life, for this process too. hRoot is HKEY_CURRENT_USER ("Desktop",
-// "Programs", "Startup") or HKEY_LOCAL_MACHINE ("Common Desktop", "Common Programs", "Common Startup"). A folder below
-// a file makes the platform's look-up fail.
-class CFolderRedirection
-{
-public:
-    CFolderRedirection(HKEY hRoot, const wchar_t* pszName, const std::wstring& strFolder);
+// A value as a text: that of a REG_SZ as it stands, "dword 8" of a number, "type 3 c0ffee" of any other type,
+// "(absent)" without the value.
+std::wstring KeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName = L"");
+bool KeyExists(HKEY hRoot, const std::wstring& strKey);
+void SetKeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, const std::wstring& strText);
+void MakeKey(HKEY hRoot, const std::wstring& strKey);
+void RemoveKey(HKEY hRoot, const std::wstring& strKey); // with all below it; nothing if it isn't there
+void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName);
 
-private:
-    CRegistryCorner m_registry;
-};
+// Adds a line `LABEL\` for the key and each below it, and `LABEL : NAME = TEXT` for each value. Nothing without the
+// key.
+void FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strLabel, TEXTS& lines);
+
+// What waits for the next start, in its order: "-PATH" for a deletion, "SOURCE>TARGET" for a replacement.
+TEXTS PendingEntries();
+const wchar_t kPendingProfile[] = L"C:\\windows\\WININIT.INI"; // takes the list's place where that is blocked
+void BlockPending();                                           // no call can add to the list from here on
+void ClearPending();
+
+std::wstring LinkText(const std::wstring& strPath); // "TARGET in FOLDER"; "(no link)" for another file
+
+// Adds a line for each file and folder below the folder: `PATH = NUMBER`, where the number stands for the content,
+// `PATH -> LINK`, `PATH\`; with ` (attributes N)` behind it if it is read-only or hidden.
+void PictureFolder(const std::wstring& strFolder, TEXTS& lines);
+
+// Sorted lines of the whole machine, files and registry. Two pictures tell all that a program left: "+ LINE" and
+// "- LINE" for what only the later and only the earlier one has, in the order of the lines.
+TEXTS TakePicture();
+TEXTS Difference(const TEXTS& earlier, const TEXTS& later);
+
+void SetWindowsVersion(const std::wstring& strVersion); // "winxp64" (5.2), "vista", "win7", "win8", "win81", "win10"
+
+// Moves a special folder: "Desktop", "Programs", "Startup" of HKEY_CURRENT_USER, "Common Desktop" and so on of
+// HKEY_LOCAL_MACHINE. A folder below a file makes the platform's look-up fail.
+void MoveFolder(HKEY hRoot, const std::wstring& strName, const std::wstring& strFolder);
 
 // What the start of the machine does with its boot list, done now. Nothing else restarts.
 void RestartMachine();

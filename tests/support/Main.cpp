@@ -11,11 +11,18 @@
 #include <stdlib.h>
 
 #include "app/RunState.h"
-#include "tests/support/ChildRole.h"
-#include "tests/support/ProgramState.h"
+#include "tests/support/Calls.h"
+#include "tests/support/Programs.h"
+#include "tests/support/World.h"
 
 const int kWrongMachine = 3;
 const int kCrash = 4;
+const int kUnlistedSuite = 5;
+
+void Fail(const std::string& strWhat)
+{
+    ADD_FAILURE() << strWhat;
+}
 
 // A crash ends the process at once: the system's own dialog would wait for somebody.
 static LONG WINAPI ReportCrash(EXCEPTION_POINTERS* pException)
@@ -49,17 +56,33 @@ static void LeaveProductList()
     new (&g_InstanceManager) COXInstanceManager(L"Lumacap.Tests", 1024, true);
 }
 
+// Each file's suite, which has the file's name, is run by an entry of its own: a suite that has none would never run.
+static bool HaveAllSuitesEntries()
+{
+    bool bAll = true;
+    for (int i = 0; i < testing::UnitTest::GetInstance()->total_test_suite_count(); i++)
+    {
+        const std::string strSuite = testing::UnitTest::GetInstance()->GetTestSuite(i)->name();
+        if (std::string(" " TEST_SUITES " ").find(" " + strSuite + " ") == std::string::npos)
+        {
+            printf("the suite %s has no entry: no file %sTest.cpp\n", strSuite.c_str(), strSuite.c_str());
+            bAll = false;
+        }
+    }
+    return bAll;
+}
+
 int wmain(int argc, wchar_t** argv)
 {
     if (!IsThrowawayMachine())
     {
-        printf("These tests install and remove software. They run only on a machine that can be thrown away, which "
-               "the environment tells by LUMACAP_THROWAWAY_MACHINE=1; `make test` sees to all of it.\n");
+        printf("These tests install and remove software: they need a machine to be thrown away, as `make test` has.\n");
         return kWrongMachine;
     }
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     SetUnhandledExceptionFilter(ReportCrash);
     signal(SIGABRT, ReportAbort);
+    DivertImports();
     int nResult = 0;
     if (CChildRole::Run(argc, argv, nResult))
         return nResult;
@@ -71,5 +94,5 @@ int wmain(int argc, wchar_t** argv)
     // The desktop comes up with its first user; it must not be the child of a program under test, and end with it.
     GetDesktopWindow();
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return HaveAllSuitesEntries() ? RUN_ALL_TESTS() : kUnlistedSuite;
 }

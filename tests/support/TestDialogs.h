@@ -4,13 +4,9 @@
 #define IDD_TEST_FRAME 201
 #define IDD_TEST_PAGE 202
 
-// Frame; its other buttons are IDOK and IDCANCEL
-#define IDC_TEST_BACK 3
-
 // Page; the radio buttons are this one and the two behind it
 #define IDC_TEST_EDIT 1000
 #define IDC_TEST_BOX 1001
 #define IDC_TEST_RADIO 1002
 #define IDC_TEST_BROWSE 1005
-#define IDC_TEST_LABEL 1006
-#define IDC_TEST_OTHER 1007
+#define IDC_TEST_OTHER 1006

@@ -1,0 +1,58 @@
+// No library is taken from the package's folder, which may be any folder that a user downloads to.
+#include "tests/support/Windows.h"
+#include "tests/support/World.h"
+
+namespace
+{
+
+// What programs like this one are known to fall for. Those that Windows takes from its own protected list can't be
+// planted there, and are left out.
+const wchar_t kNames[] =
+    L"version uxtheme dwmapi cryptbase profapi propsys apphelp ntmarta secur32 sspicli netapi32 winmm msimg32 linkinfo "
+    L"ntshrui srvcli cscapi riched20 shfolder cfgmgr32 wintrust userenv oleacc comctl32 mpr wtsapi32 edputil urlmon "
+    L"iertutil winhttp usp10 wininet winsta dbghelp";
+
+class PlantedLibrary : public World
+{
+protected:
+    // What the programs of the package's folder took there: the traces, which go.
+    std::wstring Taken() const
+    {
+        std::wstring strTaken;
+        for (const std::wstring& strName : Split(kNames, L' '))
+            for (const wchar_t* pszTrace : { L".called", L".loaded" })
+                if (DeleteFileW(At(L"package\\" + strName + L".dll" + pszTrace).c_str()))
+                    strTaken += strName + pszTrace + L" ";
+        return strTaken;
+    }
+};
+
+} // namespace
+
+TEST_F(PlantedLibrary, IsTakenByACarelessProgramButByNoSetup)
+{
+    PutPackage();
+    const std::wstring strVictim = At(L"package\\victim.exe");
+    CopyOneFile(BuildFolder() + L"\\tests\\victim.exe", strVictim);
+    std::wstring strAll;
+    for (const std::wstring& strName : Split(kNames, L' '))
+    {
+        // Without this the platform's own libraries come before those beside a program, whatever the program does.
+        SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine\\DllOverrides", strName, L"native,builtin");
+        CopyOneFile(BuildFolder() + L"\\tests\\planted.dll", At(L"package\\" + strName + L".dll"));
+        strAll += strName + L".called " + strName + L".loaded ";
+    }
+    RunToEnd(strVictim + L" " + kNames);
+    EXPECT_EQ(Taken(), strAll);
+    RunToEnd(strVictim);
+    const std::wstring strByPlatform = Taken(); // as for any program with windows
+    EXPECT_EQ(strByPlatform.find(L"called"), std::wstring::npos);
+
+    CProcessRun wizard(At(L"package\\setup.exe -install -v"));
+    wizard.Start();
+    CWindowDriver(wizard.Id(), L"Lumacap");
+    wizard.End();
+    EXPECT_EQ(Taken(), strByPlatform);
+    EXPECT_EQ(RunToEnd(At(L"package\\setup.exe -install -s")), 0u);
+    EXPECT_EQ(Taken(), strByPlatform);
+}

@@ -1,0 +1,175 @@
+// Each started program lives in a job of its own, which its successors stay in: so a whole chain of programs can be
+// waited for, and be ended, without a look at any other process.
+#include "tests/support/Programs.h"
+
+#include "foundation/Owners.h"
+#include "tests/support/Machine.h"
+
+// Windows of this thread must answer meanwhile: programs send messages to all top-level windows.
+static void PauseAnswering(DWORD nMilliseconds)
+{
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, nMilliseconds, QS_ALLINPUT);
+    MSG msg;
+    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&msg);
+}
+
+bool WaitUntil(const std::function<bool()>& condition, DWORD nMilliseconds)
+{
+    const ULONGLONG nEnd = GetTickCount64() + nMilliseconds;
+    while (!condition())
+    {
+        if (GetTickCount64() >= nEnd)
+            return false;
+        PauseAnswering(20);
+    }
+    return true;
+}
+
+CProcessRun::~CProcessRun()
+{
+    End();
+    for (const HANDLE handle : { m_process.hThread, m_process.hProcess, m_hJob })
+        if (handle != nullptr)
+            CloseHandle(handle);
+    if (!m_strOutput.empty())
+        RemoveTree(m_strOutput);
+}
+
+void CProcessRun::AddEnvironment(const std::wstring& strName, const std::wstring& strValue)
+{
+    m_environment.emplace_back(strName, strValue);
+}
+
+// Standard output goes to a file of the run.
+static HANDLE MakeOutput(std::wstring& strPath)
+{
+    wchar_t szFolder[MAX_PATH];
+    wchar_t szFile[MAX_PATH];
+    GetTempPathW(MAX_PATH, szFolder);
+    GetTempFileNameW(szFolder, L"out", 0, szFile);
+    strPath = szFile;
+    SECURITY_ATTRIBUTES inheritable = { sizeof(inheritable), nullptr, TRUE };
+    return CreateFileW(szFile, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable, CREATE_ALWAYS, 0,
+                       nullptr);
+}
+
+bool CProcessRun::Start()
+{
+    const CFileOwner output(MakeOutput(m_strOutput));
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = output;
+    startup.hStdError = output;
+    for (const auto& variable : m_environment)
+        SetEnvironmentVariableW(variable.first.c_str(), variable.second.c_str());
+    std::wstring strCommandLine = m_strCommandLine; // the call may write into it
+    const auto create = [&]
+    {
+        return CreateProcessW(nullptr, &strCommandLine[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
+                              m_strFolder.empty() ? nullptr : m_strFolder.c_str(), &startup, &m_process);
+    };
+    // Once in some thousand starts on a busy host the call fails so, before any of the program has run.
+    BOOL bStarted = create();
+    if (!bStarted && GetLastError() == ERROR_INTERNAL_ERROR)
+        bStarted = create();
+    if (!bStarted)
+        Fail(Bytes(m_strCommandLine) + ": error " + std::to_string(GetLastError()));
+    for (const auto& variable : m_environment)
+        SetEnvironmentVariableW(variable.first.c_str(), nullptr);
+    if (!bStarted)
+        return false;
+    m_hJob = CreateJobObjectW(nullptr, nullptr);
+    if (!AssignProcessToJobObject(m_hJob, m_process.hProcess))
+        Fail("no job for " + Bytes(m_strCommandLine));
+    ResumeThread(m_process.hThread);
+    return true;
+}
+
+bool CProcessRun::WaitForEnd(DWORD nMilliseconds)
+{
+    return WaitUntil([this] { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_OBJECT_0; }, nMilliseconds);
+}
+
+bool CProcessRun::WaitForFamily(DWORD nMilliseconds)
+{
+    return WaitUntil([this] { return FamilyIds().empty(); }, nMilliseconds);
+}
+
+DWORD CProcessRun::ExitCode() const
+{
+    DWORD nCode = STILL_ACTIVE;
+    GetExitCodeProcess(m_process.hProcess, &nCode);
+    return nCode;
+}
+
+std::vector<DWORD> CProcessRun::FamilyIds() const
+{
+    const int kMostProcesses = 64;
+    struct
+    {
+        JOBOBJECT_BASIC_PROCESS_ID_LIST list;
+        ULONG_PTR more[kMostProcesses];
+    } ids = {};
+    if (m_hJob == nullptr ||
+        !QueryInformationJobObject(m_hJob, JobObjectBasicProcessIdList, &ids, sizeof(ids), nullptr))
+        return {};
+    return std::vector<DWORD>(ids.list.ProcessIdList, ids.list.ProcessIdList + ids.list.NumberOfProcessIdsInList);
+}
+
+std::string CProcessRun::Output() const
+{
+    return ReadBytes(m_strOutput);
+}
+
+void CProcessRun::End()
+{
+    if (m_hJob == nullptr)
+        return;
+    TerminateJobObject(m_hJob, 1);
+    if (!WaitForFamily())
+        Fail("programs stay after their end");
+}
+
+DWORD RunToEnd(const std::wstring& strCommandLine, const std::wstring& strFolder, DWORD nMilliseconds)
+{
+    CProcessRun run(strCommandLine);
+    run.SetFolder(strFolder);
+    if (!run.Start())
+        return STILL_ACTIVE;
+    if (!run.WaitForFamily(nMilliseconds))
+        Fail(Bytes(strCommandLine) + " takes too long");
+    return run.ExitCode();
+}
+
+static const wchar_t kSwitch[] = L"--as";
+static CChildRole* s_pFirst; // filled while the global objects come into being, in any order
+
+CChildRole::CChildRole(const wchar_t* pszName, int (*pfnRole)())
+    : m_pszName(pszName), m_pfnRole(pfnRole), m_pNext(s_pFirst)
+{
+    s_pFirst = this;
+}
+
+bool CChildRole::Run(int argc, wchar_t** argv, int& nResult)
+{
+    if (argc < 3 || wcscmp(argv[1], kSwitch) != 0)
+        return false;
+    for (const CChildRole* pRole = s_pFirst; pRole != nullptr; pRole = pRole->m_pNext)
+    {
+        if (wcscmp(argv[2], pRole->m_pszName) == 0)
+        {
+            nResult = pRole->m_pfnRole();
+            return true;
+        }
+    }
+    return false;
+}
+
+std::wstring CChildRole::CommandLine(const std::wstring& strName)
+{
+    wchar_t szProgram[MAX_PATH];
+    GetModuleFileNameW(nullptr, szProgram, MAX_PATH);
+    return L"\"" + std::wstring(szProgram) + L"\" " + kSwitch + L" " + strName;
+}

@@ -1,0 +1,59 @@
+// Windows of this or another process, driven by control id, with bounded waits. Messages that carry an answer are sent
+// with a time limit, clicks and keys are posted: what hangs fails the test instead of holding it.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "tests/support/Programs.h"
+
+class CWindowDriver
+{
+public:
+    // Waits for a visible top-level window of the process whose caption begins so. Fails the test if none comes.
+    CWindowDriver(DWORD nProcessId, const std::wstring& strCaption);
+    explicit CWindowDriver(HWND hWnd) : m_hWnd(hWnd) {}
+
+    HWND Window() const { return m_hWnd; }
+    HWND Control(int nId) const; // in a child dialog too; of several the visible one; null if there is none
+    std::wstring Text(int nId) const;
+    void SetText(int nId, const std::wstring& strText) const;
+    bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)); }
+    int FocusId() const;           // 0 if none of its controls has it
+    void Click(int nId) const;     // fails the test if it is missing or disabled
+    void Press(WPARAM nKey) const; // to the control with the focus
+
+    // All that a user sees: the caption, and for each visible control its text, with (x) or ( ) before it where it can
+    // be ticked, in parentheses where it is disabled, with | between.
+    std::wstring Look() const;
+
+    bool AwaitText(int nId, const std::wstring& strText) const;
+    bool AwaitVisible(int nId) const;
+    bool AwaitGone() const;
+
+private:
+    HWND m_hWnd = nullptr;
+};
+
+// The message box that the process shows: its `CAPTION: TEXT [BUTTONS]`, the default one first. It is answered, and
+// waited for until it has gone. Fails the test if none comes.
+std::wstring AnswerBox(DWORD nProcessId, int nCommand);
+
+class CTestWindow // top-level, of the test program
+{
+public:
+    explicit CTestWindow(const wchar_t* pszCaption = L"Lumacap 8", DWORD nStyle = WS_OVERLAPPEDWINDOW,
+                         DWORD nExStyle = 0, HWND hOwner = nullptr)
+        : m_hWnd(CreateWindowExW(nExStyle, L"STATIC", pszCaption, nStyle, 0, 0, 100, 100, hOwner, nullptr, nullptr,
+                                 nullptr))
+    {
+    }
+    ~CTestWindow() { DestroyWindow(m_hWnd); }
+    CTestWindow(const CTestWindow&) = delete;
+    CTestWindow& operator=(const CTestWindow&) = delete;
+    operator HWND() const { return m_hWnd; }
+
+private:
+    HWND m_hWnd;
+};

@@ -1,0 +1,51 @@
+// What waits for the next boot: the platform's own list, and the profile file where that can't be had.
+#include "uninstall/BootList.h"
+
+#include "app/RunState.h"
+#include "tests/support/World.h"
+
+using BootList = World;
+
+TEST_F(BootList, RequestsStandInTheirOrder)
+{
+    Make(L"a b|folder\\");
+    g_bRebootNeeded = 7;
+    for (const wchar_t* pszName : { L"a b", L"folder", L"missing", L"a b" })
+        DeleteAtReboot(At(pszName).c_str());
+    EXPECT_EQ(g_bRebootNeeded, 7);
+    ReplaceAtReboot(At(L"new").c_str(), At(L"a b").c_str());
+    EXPECT_EQ(g_bRebootNeeded, 1);
+    EXPECT_EQ(Pending(), L"-a b -folder -missing -a b new>a b");
+    EXPECT_FALSE(IsThere(kPendingProfile));
+}
+
+// An oddity to keep: the profile's entry of a replacement throws the new file away, and the target isn't named.
+TEST_F(BootList, LaterFailedReplacementClearsTheRebootRequest)
+{
+    BlockPending();
+    WriteBytes(kPendingProfile, "[rename]\r\nC:\\x=C:\\y\r\nNUL=C:\\a\r\n");
+    DeleteAtReboot(L"C:\\a b=c");
+    ReplaceAtReboot(L"C:\\x.new", L"C:\\x");
+    EXPECT_EQ(ReadBytes(kPendingProfile), "[rename]\r\nC:\\x=C:\\y\r\nNUL=C:\\a\r\nNUL=C:\\a b=c\r\nNUL=C:\\x.new\r\n");
+
+    RemoveTree(kPendingProfile);
+    MakeFolder(kPendingProfile); // it can be neither read nor written
+    DeleteAtReboot(L"C:\\b");    // has no say in it
+    EXPECT_EQ(g_bRebootNeeded, 1);
+    ReplaceAtReboot(L"C:\\b.new", L"C:\\b");
+    EXPECT_EQ(g_bRebootNeeded, 0);
+}
+
+// The section is 16,000 characters long first. The process that ends is a child, which clears the corner and makes the
+// same profile; its output must not lie in the corner.
+TEST_F(BootList, ASectionOf16384CharactersEndsTheProcess)
+{
+    SetEnvironmentVariableW(L"TMP", L"C:\\");
+    BlockPending();
+    const std::string strProfile = "[rename]\r\nNUL=C:\\" + std::string(15992, 'e') + "\r\n";
+    WriteBytes(kPendingProfile, strProfile);
+    const std::wstring strFits(16383 - 16000 - 5, L'p');
+    EXPECT_EXIT(DeleteAtReboot((strFits + L"p").c_str()), testing::ExitedWithCode(static_cast<int>(0xC0000409)), "^$");
+    DeleteAtReboot(strFits.c_str());
+    EXPECT_EQ(ReadBytes(kPendingProfile), strProfile + "NUL=" + Bytes(strFits) + "\r\n");
+}

@@ -1,0 +1,215 @@
+// What the program relies on in the framework: strings, arrays, locks, boxes, and dialogs with their windows,
+// data, commands and keyboard.
+#include <afxmt.h>
+#include <afxwin.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/support/Calls.h"
+#include "tests/support/TestDialogs.h"
+#include "tests/support/Windows.h"
+
+namespace
+{
+
+class CPage : public CDialog
+{
+public:
+    CString m_strText = L"text";
+    int m_bIcon = 0;
+    int m_nKind = 2;
+    int m_nBrowsed = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        DDX_Text(pDX, IDC_TEST_EDIT, m_strText);
+        DDX_Check(pDX, IDC_TEST_BOX, m_bIcon);
+        DDX_Radio(pDX, IDC_TEST_RADIO, m_nKind);
+    }
+    void OnBrowse() { m_nBrowsed++; }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CPage, CDialog)
+ON_BN_CLICKED(IDC_TEST_BROWSE, &CPage::OnBrowse)
+END_MESSAGE_MAP()
+
+class CModal : public CDialog
+{
+public:
+    CModal() : CDialog(IDD_TEST_FRAME) {}
+    BOOL OnInitDialog() override
+    {
+        EXPECT_FALSE(GetParent()->IsWindowEnabled());
+        OnOK();
+        return TRUE;
+    }
+};
+
+class Mfc : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        AfxGetApp()->m_pMainWnd = &m_frame;
+        ASSERT_TRUE(m_frame.Create(IDD_TEST_FRAME));
+        ASSERT_TRUE(m_page.Create(IDD_TEST_PAGE)); // of the main window
+        m_page.ShowWindow(SW_SHOW);
+        Pump();
+    }
+
+    // Works through what is posted; true if it was told to quit.
+    bool Pump()
+    {
+        bool bQuit = false;
+        for (MSG msg; PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE);)
+        {
+            bQuit |= msg.message == WM_QUIT;
+            if (!IsDialogMessageW(m_frame, &msg))
+                DispatchMessageW(&msg);
+        }
+        return bQuit;
+    }
+
+    CDialog m_frame;
+    CPage m_page;
+};
+
+// Several texts in one, zeros and all.
+template <typename... Texts>
+std::wstring All(const Texts&... texts)
+{
+    return (... + (L'<' + std::wstring(texts.GetString(), texts.GetLength()) + L'>'));
+}
+
+} // namespace
+
+TEST_F(Mfc, StringsAreCutTrimmedFoundAndReplacedAtTheirEnds)
+{
+    const CString str(L"abcabc");
+    EXPECT_EQ(All(str.Left(9), str.Left(-1), str.Right(9), str.Right(-1)), L"<abcabc><><abcabc><>");
+    EXPECT_EQ(All(str.Mid(5), str.Mid(6), str.Mid(4, 9), str.Mid(-1, 2)), L"<c><><bc><ab>");
+    EXPECT_EQ(All(CString(L" \t\nx y\x3000 ").TrimLeft(), CString(L" \nx y\x3000 ").TrimRight(), CString(L" ").Trim()),
+              L"<x y\x3000 >< \nx y><>");
+    EXPECT_EQ(All(CString(L"//a/b//").TrimRight(L'/'), CString(L"\"(a)").Trim(L"\"()")), L"<//a/b><a>");
+    EXPECT_EQ(All(CString(L"Set\xC4").MakeLower(), CString(L"Set\xE4").MakeUpper()), L"<set\xC4><SET\xE4>");
+    CString strText(L"aaXaa");
+    EXPECT_EQ(strText.Replace(L"", L"x"), 0);
+    EXPECT_EQ(strText.Replace(L"aa", L"baa"), 2);
+    EXPECT_EQ(All(strText), L"<baaXbaa>");
+    const std::vector<int> found = { str.Find(L'b', 2),     str.Find(L'\0', 6),    str.Find(L"bc", 2),
+                                     str.Find(L"", 7),      str.Find(L"a", -1),    str.ReverseFind(L'a'),
+                                     str.ReverseFind(L'x'), str.FindOneOf(L"xcb"), str.FindOneOf(L"xy") };
+    EXPECT_EQ(found, (std::vector<int>{ 4, -1, 4, -1, -1, 3, -1, 1, -1 }));
+}
+
+TEST_F(Mfc, StringsOwnTheirTextAndCountABufferFromItsRelease)
+{
+    CString str(L"first");
+    const CString strCopy(str);
+    str.SetAt(0, L'F');
+    str = str.GetString() + 2;
+    str += str;
+    str.Format(L"%s|%.2d|%s", str.GetString(), 5, CString(L'n', 300).GetString());
+    EXPECT_EQ(All(str, strCopy), L"<rstrst|05|" + std::wstring(300, L'n') + L"><first>");
+    EXPECT_EQ(str.Delete(6, 999), 6);
+    wcscat(str.GetBuffer(400), L", much longer than before");
+    str.ReleaseBuffer();
+    EXPECT_EQ(str.GetLength(), 31);
+    str.GetBufferSetLength(4)[1] = 0;
+    EXPECT_EQ(All(str), std::wstring(L"<r\0tr>", 6));
+}
+
+TEST_F(Mfc, ArraysGrowWithEmptyElementsAndOutOfRangeThrows)
+{
+    CStringArray texts;
+    texts.Add(L"one");
+    for (int i = 1; i < 100; ++i)
+        EXPECT_EQ(texts.Add(texts[0]), i);
+    texts[0] += L"!";
+    EXPECT_EQ(All(texts[0], texts[1], texts[99]), L"<one!><one><one>");
+    texts.SetSize(1);
+    texts.SetSize(100);
+    EXPECT_EQ(All(texts[0], texts[1], texts[99]), L"<one!><><>");
+    CString str(L"ab");
+    EXPECT_EQ(str[2], L'\0');
+    const std::function<void()> cases[] = {
+        [&] { str.GetAt(3); },
+        [&] { str.SetAt(2, L'x'); },
+        [&] { texts[100]; },
+        [&] { texts[-1]; },
+    };
+    for (const auto& access : cases)
+        EXPECT_THROW(access(), CInvalidArgException*) << &access - cases;
+}
+
+TEST_F(Mfc, LockHoldsTheMutexForItsLifeAlsoAfterADeadOwner)
+{
+    CMutex mutex;
+    CSingleLock(&mutex, TRUE);
+    EXPECT_FALSE(mutex.Unlock());
+    std::thread([&] { WaitForSingleObject(mutex, INFINITE); }).join();
+    CSingleLock lock(&mutex);
+    EXPECT_TRUE(lock.Lock());
+    EXPECT_TRUE(lock.Unlock());
+    EXPECT_FALSE(mutex.Unlock());
+    EXPECT_TRUE(lock.Lock());
+    EXPECT_TRUE(mutex.Unlock()) << "not held";
+}
+
+TEST_F(Mfc, BoxCarriesTheNameAndAnIconAndBelongsToTheMainWindow)
+{
+    const CBoxes recorder({ IDYES });
+    EXPECT_EQ(AfxMessageBox(1, MB_YESNO), IDYES);
+    const RECORDED_BOX& box = recorder.boxes.at(0);
+    EXPECT_EQ(box.nStyle, UINT(MB_YESNO | MB_ICONEXCLAMATION));
+    EXPECT_EQ(box.strText + box.strCaption, L"Lumacap 8Lumacap 8");
+    EXPECT_EQ(box.hOwner, m_frame);
+}
+
+TEST_F(Mfc, ModalDialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuits)
+{
+    EXPECT_EQ(CDialog(60000).DoModal(), -1);
+    EXPECT_EQ(CModal().DoModal(), IDOK);
+    EXPECT_EQ(m_page.GetParent(), &m_frame);
+    EXPECT_TRUE(m_page.DestroyWindow());
+    EXPECT_FALSE(Pump());
+    m_frame.DestroyWindow();
+    EXPECT_EQ(AfxGetApp()->m_pMainWnd, nullptr);
+    EXPECT_TRUE(Pump());
+}
+
+TEST_F(Mfc, PageExchangesDataAndPassesOnWhatItDoesNotTake)
+{
+    const CWindowDriver driver(m_frame);
+    EXPECT_EQ(driver.Look(), L" | &Next > | Cancel | text | ( ) &Icon | ( ) first | label | ( ) second | (x) third | "
+                             L"B&rowse... | ( ) other");
+
+    std::wstring strActs;
+    AfxGetApp()->m_pszHelpFilePath = _wcsdup(L"C:\\windows");
+    const CCalls calls(
+        { { "EndDialog", [&](CALL& call) { return strActs += std::to_wstring(call.args[1]), TRUE; } },
+          { "WinHelpW", [&](CALL& call) { return strActs += call.Text(1) + std::to_wstring(call.args[2]), TRUE; } } });
+    driver.SetText(IDC_TEST_EDIT, std::wstring(5000, L'x'));
+    for (const int nId : { IDC_TEST_BOX, IDC_TEST_RADIO + 1, IDC_TEST_OTHER })
+        m_page.GetDlgItem(nId)->SendMessage(BM_CLICK);
+    m_page.SendMessage(WM_COMMAND, IDOK);
+    EXPECT_EQ(m_page.m_strText.GetLength(), 5000);
+    EXPECT_EQ(m_page.m_bIcon, 1);
+    EXPECT_EQ(m_page.m_nKind, 1);
+
+    for (const auto& [nFocus, nKey] : { std::make_pair(IDC_TEST_RADIO + 1, VK_TAB),
+                                        { IDC_TEST_BROWSE, VK_RETURN },
+                                        { IDC_TEST_EDIT, VK_RETURN },
+                                        { IDC_TEST_EDIT, VK_ESCAPE } })
+    {
+        m_page.GetDlgItem(nFocus)->SetFocus();
+        driver.Press(nKey);
+        Pump();
+    }
+    EXPECT_EQ(m_page.m_nBrowsed, 1);
+    m_page.SendMessage(WM_COMMAND, ID_HELP);
+    EXPECT_EQ(strActs, L"112C:\\windows11");
+}

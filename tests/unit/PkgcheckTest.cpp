@@ -1,0 +1,321 @@
+// The checker of packages against the engine: what it plans is what an install creates and a removal and a restart
+// leave, and what it finds fault with. The checker runs as a program of its own, the engine in this process.
+#include <algorithm>
+#include <random>
+#include <tuple>
+
+#include "app/RunState.h"
+#include "install/InstallDriver.h"
+#include "tests/support/Calls.h"
+#include "tests/support/Programs.h"
+#include "tests/support/World.h"
+#include "uninstall/UninstallDriver.h"
+
+namespace
+{
+
+struct CHECKED
+{
+    DWORD nExitCode;
+    std::wstring strText;
+};
+
+CHECKED Check(const std::wstring& strArguments)
+{
+    CProcessRun run(BuildFolder() + L"\\pkgcheck.exe " + strArguments);
+    EXPECT_TRUE(run.Start() && run.WaitForFamily()) << Bytes(strArguments);
+    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
+}
+
+// "12 no-match|no-version": the findings by line, if they have one, and name.
+std::string Findings(const CHECKED& checked)
+{
+    TEXTS findings;
+    for (const std::wstring& strLine : Split(checked.strText, L'\n'))
+    {
+        if (strLine.compare(0, 13, L"LumUnInst.log") != 0)
+            continue;
+        const size_t nName = strLine.find(L": ") + 2;
+        const std::wstring strNumber = strLine[13] == L'(' ? strLine.substr(14, nName - 17) + L" " : L"";
+        findings.push_back(strNumber + strLine.substr(nName, strLine.find(L':', nName) - nName));
+    }
+    EXPECT_EQ(checked.nExitCode, findings.empty() ? 0u : 1u);
+    return Bytes(Join(findings));
+}
+
+// Lists for what a random one meets too rarely, each over a package with all files.
+const char* const kLists[] = {
+    "File Copy: a.txt\nMake Dir: d\nMake Dir: d\\d\nMake Dir: d\\d\\f\nFile Del: d\\.\nMake Dir: x32\n"
+    "File Copy: a.txt > x32\\..\\y\nFile Copy: a.txt > n*\nFile Copy: sub/*.txt\nFile Copy: b.txt > sub/b.lnk\n"
+    "File Copy: b.txt > sub/c.txt\nFile Copy: install.log",
+    "File Copy: a.txt\nMake Dir: LumUnInst.log\nMake Dir: a.txt\nMake Dir: q*\nFile Copy: b.txt > b > c\n"
+    "File Copy: b.txt > *.json\nFile Copy: c.dat\nFile Copy:  > c.dat\nFile Copy: sub\\a.txt\nFile Del: sub\n"
+    "File Copy: sub > a.txt\nFile Del: sub\\a.txt|remark\nFile Copy: b.txt > sub.old\nMake Dir: sub\nFile Copy: s*",
+    "File Copy: a.txt >\nFile Copy: a.txt > new\\\nFile Copy: sub\\a.txt\nFile Copy: a.txt > sub\\\nMake Dir: sub\n"
+    "File Copy: c.dat > b.txt\\\nFile Copy: b.txt > new/\nFile Del: *.new\nFile Copy: a.txt > install.log",
+};
+
+// A package from a number: some of the files, and records that meet them, miss them, and get into each other's way.
+class CGenerator
+{
+public:
+    explicit CGenerator(unsigned int nSeed) : m_random(nSeed) {}
+
+    // Of a given list, or of a random one.
+    void Make(const std::wstring& strFolder, const char* pszList)
+    {
+        for (const std::wstring& strFile :
+             Split(L"a.txt|b.txt|c.dat|d.dll|LumUnInst.exe|sub\\s.dll|sub\\t.txt|sub\\a.txt|sub\\deep\\u.txt|"
+                   L"sub\\deep\\v.dat|x64\\w.dll|other\\z.txt",
+                   L'|'))
+            if (pszList != nullptr || Below(5) > 0 || strFile == L"LumUnInst.exe")
+                // A removal reads it if an install gives the file the name of the second list.
+                WriteBytes(strFolder + L"\\" + strFile, "File Del: Lum*.log");
+        if (pszList != nullptr)
+            WriteBytes(strFolder + L"\\install.log", "File Del: sub\\c.txt");
+        WriteBytes(strFolder + L"\\Lumacap8.exe", "product");
+        std::string strList = pszList != nullptr ? pszList : "";
+        for (int nLines = pszList != nullptr ? 0 : 4 + Below(14); nLines > 0; nLines--)
+            strList += Line() + (Below(4) > 0 ? "\r\n" : "  \n");
+        WriteBytes(strFolder + L"\\LumUnInst.log", strList + "\nFile Copy: LumUnInst.exe");
+    }
+
+private:
+    int Below(int nEnd) { return static_cast<int>(m_random() % nEnd); }
+
+    std::string OneOf(const wchar_t* pszTexts)
+    {
+        const TEXTS texts = Split(pszTexts, L'@');
+        return Bytes(texts[Below(static_cast<int>(texts.size()))]);
+    }
+
+    std::string Line()
+    {
+        const int nLine = Below(20);
+        if (nLine < 4)
+            return "Make Dir: " + OneOf(L"d@d\\e@d\\e\\f@sub@Sub\\Deep@x64@x32@new@p\\q@d/g@other@..\\out");
+        if (nLine < 6)
+            return OneOf(L"File Del: @File Overwrite: ") +
+                   OneOf(L"*.txt@x.txt@sub\\*@*.*@d@d\\*.*@*.log | note@???.*@SUB\\?.*@sub/s.dll@..\\out.txt@new\\*");
+        if (nLine < 7)
+            return OneOf(L"A remark@file copy: a.txt@@ File Copy: b.txt@Made Dir: nowhere@File Copy: a.txt | note");
+        const std::string strPrefix = OneOf(L"File Copy: @File Copy: @File Copy x64: @File Copy ind: @File Copy prt: ");
+        if (nLine < 13)
+            return strPrefix + OneOf(L"a.txt@b.txt@c.dat@d.dll@sub\\s.dll@sub\\deep\\u.txt") + OneOf(L" > @>") +
+                   OneOf(L"x.txt@sub\\x.txt@new\\x.txt@A.TXT@c.dat@sub@d@..\\out.txt@d/x.txt@new\\@sub\\@x64\\a.txt@"
+                         L"d\\e\\y.txt@z . ");
+        return strPrefix + OneOf(L"a.txt@b.txt@*.txt@a.*@?.TXT@*.d*@sub\\*.dll@sub\\*@x64\\*@sub\\deep\\*.*@*@*.*@s*@"
+                                 L"sub/s.dll@sub/*.txt@missing.txt@other@Lum*@LumUnInst.exe@..\\none.txt");
+    }
+
+    std::mt19937 m_random;
+};
+
+class Pkgcheck : public World
+{
+protected:
+    // Each package has its own target, and folders of the machine and of the user.
+    std::wstring Place(unsigned int nSeed) const { return At(L"p" + std::to_wstring(nSeed)); }
+
+    // The sections of a plan, each as sorted paths of the package's place, folders with a backslash at their end.
+    std::vector<TEXTS> PlanOf(unsigned int nSeed) const
+    {
+        const TEXTS places =
+            Split(L"<target>|to\\up\\target|<beside>\\..|to|<beside>|to\\up|<common programs>|all\\Programs|"
+                  L"<common desktop>|all\\Desktop|<user's programs>|user\\Programs|"
+                  L"<user's desktop>|user\\Desktop",
+                  L'|');
+        static const wchar_t* const kKinds[] = { L"user ", L"all ", L"portable " };
+        const CHECKED checked = Check(L"--plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
+        EXPECT_EQ(checked.nExitCode, 0u);
+        std::vector<TEXTS> sections;
+        for (std::wstring strLine : Split(checked.strText, L'\n'))
+        {
+            if (strLine.empty() || strLine == L"  nothing")
+                continue;
+            for (size_t n = 0; n < places.size(); n += 2)
+                strLine = Replaced(strLine, places[n], places[n + 1]);
+            if (strLine[0] != L' ')
+                sections.emplace_back();
+            else
+                sections.back().push_back(strLine.substr(15) + (strLine.compare(2, 6, L"folder") == 0 ? L"\\" : L""));
+        }
+        for (TEXTS& section : sections)
+            std::sort(section.begin(), section.end());
+        return sections;
+    }
+
+    void MoveFolders(unsigned int nSeed) const
+    {
+        for (const wchar_t* pszName : { L"Programs", L"Desktop" })
+        {
+            MoveFolder(HKEY_LOCAL_MACHINE, std::wstring(L"Common ") + pszName, Place(nSeed) + L"\\all\\" + pszName);
+            MoveFolder(HKEY_CURRENT_USER, pszName, Place(nSeed) + L"\\user\\" + pszName);
+        }
+    }
+
+    // What stands in the place, and didn't before the install.
+    std::string Created(unsigned int nSeed) const
+    {
+        TEXTS created;
+        for (const std::wstring& strPath : ListTree(Place(nSeed)))
+            if (strPath.compare(0, 8, L"package\\") != 0 &&
+                std::wstring(
+                    L"|all\\|all\\Programs\\|all\\Desktop\\|user\\|user\\Programs\\|user\\Desktop\\|to\\|to\\up\\|")
+                        .find(L"|" + strPath + L"|") == std::wstring::npos)
+                created.push_back(strPath);
+        return Bytes(Join(created, L"\n"));
+    }
+
+    void Install(unsigned int nSeed) const
+    {
+        const CLaunches launches;
+        ResetProgramState();
+        g_strSourceDir = (Place(nSeed) + L"\\package").c_str();
+        g_strInstDir = (Place(nSeed) + L"\\to\\up\\target").c_str();
+        g_strGroup = L"Lumacap 8";
+        g_bFreshInstall = 1;
+        g_nInstallKind = static_cast<int>(nSeed % 3);
+        PerformInstall();
+    }
+
+    // What the second stage of a removal does.
+    void Remove(unsigned int nSeed) const
+    {
+        const CLaunches launches;
+        const std::wstring strFolder = Place(nSeed) + L"\\to\\up\\target\\";
+        EXPECT_TRUE(DeleteFileW((strFolder + L"LumUnInst.exe").c_str()));
+        RunUninstall(strFolder.c_str());
+    }
+};
+
+} // namespace
+
+// One restart serves all packages.
+TEST_F(Pkgcheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
+{
+    TEXTS leftByPlan;
+    for (unsigned int nSeed = 0; nSeed < 36; nSeed++)
+    {
+        CGenerator(nSeed).Make(Place(nSeed) + L"\\package", nSeed < std::size(kLists) ? kLists[nSeed] : nullptr);
+        SCOPED_TRACE(ReadBytes(Place(nSeed) + L"\\package\\LumUnInst.log"));
+        MakeFolder(Place(nSeed) + L"\\to\\up");
+        MoveFolders(nSeed);
+        const std::vector<TEXTS> plan = PlanOf(nSeed);
+        ASSERT_EQ(plan.size(), 3u);
+        Install(nSeed);
+        EXPECT_EQ(Created(nSeed), Bytes(Join(plan[0], L"\n")));
+        Remove(nSeed);
+        EXPECT_EQ(Created(nSeed), Bytes(Join(plan[1], L"\n")));
+        leftByPlan.push_back(Join(plan[2], L"\n"));
+    }
+    RestartMachine();
+    for (unsigned int nSeed = 0; nSeed < 36; nSeed++)
+        EXPECT_EQ(Created(nSeed), Bytes(leftByPlan[nSeed])) << nSeed;
+}
+
+// Behind an arrow, what the checker finds fault with in that line of a list; what isn't a line's stands behind the
+// last. {N} stands for so many characters. Each list is put behind the sample's, which is clean.
+TEST_F(Pkgcheck, FindsWhatIsWrongWithEachLine)
+{
+    const wchar_t* const kCases[] = {
+        L"",
+        // How a line is written
+        L"File Del: {501}\nFile Copy: {501} => long-line\n{511}File Del: x => long-line\n{600}\n{511}file copy: x\n"
+        L" File Copy: Lumacap8.exe => near-miss\nFile Copy:Lumacap8.exe => near-miss\n"
+        L"File\tCopy X64 : Lumacap8.exe => near-miss\nFile Copy is a remark\nmade dir: x => near-miss\n"
+        L"File Copy: => near-miss\nFile Del:  | texts => near-miss\nMade Dir: C:\\Games => install-made\n"
+        L"Shell Link: C:\\a.lnk => install-made\nMake Dir: Lang | texts => tail\nFile Del: Lang\\..\\x.txt\n"
+        L"File Copy: Lumacap8.exe > \\l.exe => absolute\nMake Dir: C:\\a => absolute\n"
+        L"File Del: Lang/../../x.txt => climbing, forward-slash\nFile Copy: ..\\x.txt > y.txt => climbing\n"
+        L"File Copy: Lumacap8.exe > Lang\\ => empty-target\nFile Copy: *.dll > one.dll => mask-renamed\n"
+        L"File Copy x64: Lang/English.txt => forward-slash\nFile Copy: Lumacap8.exe > Lang/l.exe => forward-slash\n"
+        L"Make Dir: Lang\\english.txt => impossible-name\nMake Dir: a? => impossible-name\n"
+        L"File Copy: Lumacap8.exe > ab:c => impossible-name\nFile Del: foo.txt|remark => impossible-name\n"
+        L"File Copy: Gr\u00C3\u00BCn.txt => text-format\nFile Copy: Gr\u00FCn.txt => no-match\n"
+        L"File Del: a | Gr\u00C3\u00BCn",
+        // What an install and a removal make of it
+        L"Make Dir: B/C => made-too-early\nMake Dir: B\nMake Dir: B\\C\nMake Dir: B\\D\nMake Dir: B\n"
+        L"File Copy x64: Lang\\English.txt > Lumacap8.exe\n"
+        L"File Copy: Lang\\English.txt > Lumacap8.exe => written-twice\nFile Copy:  > y => no-match\n"
+        L"File Copy: Lang > y => no-match\nFile Copy ind: Lang/English.txt > E.txt => library-test\n"
+        L"File Copy prt: Lumacap8.exe > Tools\\l.exe => renamed-too-early\nMake Dir: LumUnInst.log => list-named\n"
+        L"File Del: Lang => folder-caught\nMake Dir: T\nFile Copy: Lumacap8.exe > T => target-is-folder\n"
+        L"Make Dir: A\nMake Dir: A/B\nMake Dir: A\nMake Dir: O => parent-first\nMake Dir: O\\I",
+        L"File Copy: * => folder-caught, list-named",
+        L"\x1A => end-mark\n\x1A",
+    };
+    PutPackage();
+    const std::string strSample = ReadBytes(At(L"package\\LumUnInst.log"));
+    for (const std::wstring strCase : kCases)
+    {
+        auto nLine = std::count(strSample.begin(), strSample.end(), '\n');
+        std::wstring strList;
+        TEXTS expected;
+        for (std::wstring strLine : Split(strCase, L'\n'))
+        {
+            for (const int cch : { 501, 511, 600 })
+                strLine = Replaced(strLine, L"{" + std::to_wstring(cch) + L"}", std::wstring(cch, L'x'));
+            const size_t nArrow = strLine.find(L" => ");
+            nLine++;
+            for (const std::wstring& strFinding :
+                 Split(nArrow != strLine.npos ? Replaced(strLine.substr(nArrow + 4), L", ", L",") : L"", L','))
+                expected.push_back(std::to_wstring(nLine) + L" " + strFinding);
+            strList += strLine.substr(0, nArrow) + L"\r\n";
+        }
+        WriteBytes(At(L"package\\LumUnInst.log"), strSample + Bytes(strList));
+        const CHECKED checked = Check(At(L"package"));
+        EXPECT_EQ(Findings(checked), Bytes(Join(expected))) << Bytes(checked.strText);
+    }
+}
+
+// Of packages made of these files and a list.
+TEST_F(Pkgcheck, FindsWhatIsWrongWithAPackage)
+{
+    const std::wstring strLacks = L"|uninstaller-missing|counted-on|counted-on|counted-on|no-version"; // all of them
+    const std::tuple<std::wstring, const char*, const char*> kCases[] = {
+        // A folder that stays is blamed on the record that can help.
+        { L"sub\\a.txt", "File Copy: sub\\a.txt\nMake Dir: sub\nMake Dir: sub\\x", "2 parent-first" },
+        { L"b.txt|sub\\a.txt", "File Copy: sub\\a.txt\nFile Copy: b.txt > sub/f.txt", "2 forward-slash" },
+        { L"b.txt|sub\\deep\\low\\v.txt",
+          "File Copy: b.txt\nMake Dir: sub\nMake Dir: sub\\deep\nFile Copy: sub\\deep\\low\\v.txt\nMake Dir: sub",
+          "4 folder-unnamed" },
+        { L"b.txt", "File Copy: b.txt\nMake Dir: A\nMake Dir: A\nMake Dir: A\\B\nMake Dir: A\\C", "3 parent-first" },
+        { L"b.txt|none\\", "File Copy: b.txt\nFile Copy: none\\*", "2 no-match|2 folder-unnamed" },
+        // What no record names, and what the program counts on
+        { L"Sub\\d.txt|LumUnInst.exe|Lumacap8.exe", "File Copy: LumUnInst.exe",
+          "file-unnamed|file-unnamed|counted-on|counted-on|counted-on|no-version" },
+        // The list as a whole
+        { L"b.txt",
+          "\xEF\xBB\xBF"
+          "a remark\nFile Copy: b.txt",
+          "1 byte-order-mark" },
+        { L"b.txt", "File Copy: b.txt\rFile Copy: b.txt", "1 text-format" },
+    };
+    for (const auto& [strFiles, pszList, pszFindings] : kCases)
+    {
+        RemoveTree(At(L"q"));
+        for (const std::wstring& strFile : Split(strFiles, L'|'))
+            Make(L"q\\" + strFile);
+        WriteBytes(At(L"q\\LumUnInst.log"), pszList);
+        const std::wstring strFindings = Replaced(Wide(Findings(Check(At(L"q")))), strLacks, L"");
+        EXPECT_EQ(Bytes(strFindings), pszFindings) << pszList;
+    }
+}
+
+TEST_F(Pkgcheck, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
+{
+    const std::tuple<std::wstring, DWORD, std::wstring> kCases[] = {
+        { L"--help", 0, L"usage:" },
+        { L"\"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
+        { At(L"temp"), 2, L"pkgcheck: there is no LumUnInst.log" },
+        { At(L"missing"), 2, L"pkgcheck: there is no folder" },
+        { L"--plan none x", 2, L"pkgcheck: the kind of install is user, all or portable, and not none" },
+    };
+    for (const auto& [strArguments, nExitCode, strBegin] : kCases)
+    {
+        const CHECKED checked = Check(strArguments);
+        EXPECT_EQ(checked.nExitCode, nExitCode) << Bytes(strArguments);
+        EXPECT_EQ(checked.strText.substr(0, strBegin.size()), strBegin);
+    }
+}
