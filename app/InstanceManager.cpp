@@ -1,4 +1,3 @@
-// The list of the running processes of the product, in named shared memory.
 #include "app/InstanceManager.h"
 
 #include <string.h>
@@ -200,17 +199,11 @@ DWORD COXInstanceManager::FindActivationTarget(const InstanceList& list)
 
 bool COXInstanceManager::ActivateOtherInstance(bool bActivate)
 {
-    DWORD nTarget = 0;
-    bool bAboveLimit;
-    {
-        const CListAccess list(*this);
-        if (!list)
-            return false;
-        bAboveLimit = list->nMaxInstances < list->nCount;
-        if (bAboveLimit && bActivate)
-            nTarget = FindActivationTarget(*list);
-    }
+    const CListAccess list(*this);
+    if (!list || list->nMaxInstances >= list->nCount)
+        return false;
 
+    const DWORD nTarget = bActivate ? FindActivationTarget(*list) : 0;
     const HWND hWindow = nTarget != 0 ? FindMainWindow(nTarget) : nullptr;
     if (hWindow != nullptr)
     {
@@ -218,7 +211,7 @@ bool COXInstanceManager::ActivateOtherInstance(bool bActivate)
         if (GetWindowLongW(hWindow, GWL_STYLE) & WS_MINIMIZE)
             ShowWindow(hWindow, SW_RESTORE);
     }
-    return bAboveLimit;
+    return true;
 }
 
 void* COXInstanceManager::GetAdditionalData()

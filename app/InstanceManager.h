@@ -5,13 +5,12 @@
 #include <afx.h>
 #include <afxcoll.h>
 #include <afxmt.h>
-#include <windows.h>
 
 // Posted to the main window of each listed process; wParam is 0, lParam the process id concerned.
-const UINT kInstanceAddedMessage = 1946;
-const UINT kInstanceRemovedMessage = 1947;
+inline constexpr UINT kInstanceAddedMessage = 1946;
+inline constexpr UINT kInstanceRemovedMessage = 1947;
 
-const DWORD kMaxListedInstances = 1000;
+inline constexpr DWORD kMaxListedInstances = 1000;
 
 class COXInstanceManager : public CObject
 {
@@ -84,3 +83,6 @@ private:
     InstanceList* m_pList; // mapped only during one operation
     void* m_pAdditional;
 };
+
+// The list that the product shares. This process stands in it for all of its life.
+extern COXInstanceManager g_InstanceManager;

@@ -1,32 +1,16 @@
-// Other running processes of the product: asks the user about them, and closes them by force.
 #include "app/OtherInstances.h"
 
+#include <afxwin.h>
 #include <stdlib.h>
 
-#include "app/RunState.h"
+#include "app/InstanceManager.h"
+#include "app/StartBox.h"
 #include "foundation/Owners.h"
 #include "res/resource.h"
-
-const int kCaptionCapacity = 128; // characters, the terminator included
-const int kTextCapacity = 256;
 
 // WM_CLOSE with this word tells the product that the setup asks; what it makes of that is its own business.
 const WPARAM kClosedBySetup = 1001;
 const DWORD kCloseGraceMs = 10;
-
-int ShowStartBox(const wchar_t* pszText, UINT nStyle)
-{
-    wchar_t szCaption[kCaptionCapacity] = L"";
-    LoadStringW(AfxGetResourceHandle(), IDS_SETUP_CAPTION, szCaption, kCaptionCapacity);
-    return MessageBoxW(nullptr, pszText, szCaption, nStyle);
-}
-
-CString LoadStartText(UINT nId)
-{
-    wchar_t szText[kTextCapacity] = L"";
-    LoadStringW(AfxGetResourceHandle(), nId, szText, kTextCapacity);
-    return szText;
-}
 
 int CountOtherInstances()
 {

@@ -1,15 +1,5 @@
-// Other running processes of the product: asks the user about them, and closes them by force. Also the boxes of the
-// program's start, which carry the caption of the setup and not of the product.
+// Other running processes of the product: asks the user about them, and closes them by force.
 #pragma once
-
-#include <afx.h>
-#include <windows.h>
-
-// Shows a box with the setup's caption and no owner, in the manner of MessageBoxW, whose result it gives.
-int ShowStartBox(const wchar_t* pszText, UINT nStyle);
-
-// A text for such a box: at most 255 characters of a string table text.
-CString LoadStartText(UINT nId);
 
 // The number of other processes in the shared list; -1 without a list.
 int CountOtherInstances();

@@ -7,39 +7,46 @@
 #define PRODUCT_EXE L"Lumacap8.exe"
 #define FILE_LIST_NAME L"LumUnInst.log"
 #define SECOND_LIST_NAME L"install.log"
+#define PRODUCT_CLASS L"Lumacap.8"
+#define PRODUCT_APPLICATION L"Applications\\" PRODUCT_EXE
 #define PRODUCT_KEY L"SOFTWARE\\" COMPANY_NAME L"\\" PRODUCT_NAME
 #define APP_PATHS_LIST_KEY L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths"
 #define UNINSTALL_LIST_KEY L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall"
 
-const wchar_t kCompanyName[] = COMPANY_NAME;
-const wchar_t kPublisherName[] = L"Tandrel Technology LLC";
-const wchar_t kProductName[] = PRODUCT_NAME; // also the folder, the default group and the link; as string 1
-const wchar_t kProductExe[] = PRODUCT_EXE;
-const wchar_t kFileListName[] = FILE_LIST_NAME;
-const wchar_t kSecondListName[] = SECOND_LIST_NAME;
-const wchar_t kThumbnailDll[] = L"ThumbLcp64.dll";
-const wchar_t kLinkExtension[] = L".lnk";
+inline constexpr wchar_t kCompanyName[] = COMPANY_NAME;
+inline constexpr wchar_t kPublisherName[] = L"Tandrel Technology LLC";
+inline constexpr wchar_t kProductName[] = PRODUCT_NAME; // also the folder, the default group and the link; as string 1
+inline constexpr wchar_t kProductExe[] = PRODUCT_EXE;
+inline constexpr wchar_t kFileListName[] = FILE_LIST_NAME;
+inline constexpr wchar_t kSecondListName[] = SECOND_LIST_NAME;
+inline constexpr wchar_t kThumbnailDll[] = L"ThumbLcp64.dll";
+inline constexpr wchar_t kLinkExtension[] = L".lnk";
 
 // To be put behind a folder without a backslash at its end
-const wchar_t kProductExePath[] = L"\\" PRODUCT_EXE;
-const wchar_t kFileListPath[] = L"\\" FILE_LIST_NAME;
-const wchar_t kSecondListPath[] = L"\\" SECOND_LIST_NAME;
-const wchar_t kUninstallerPath[] = L"\\LumUnInst.exe";
+inline constexpr wchar_t kProductExePath[] = L"\\" PRODUCT_EXE;
+inline constexpr wchar_t kFileListPath[] = L"\\" FILE_LIST_NAME;
+inline constexpr wchar_t kSecondListPath[] = L"\\" SECOND_LIST_NAME;
+inline constexpr wchar_t kUninstallerPath[] = L"\\LumUnInst.exe";
 
 // What the registration writes and the removal takes away goes by the same names.
-const wchar_t kProductKey[] = PRODUCT_KEY;
-const wchar_t kCapabilitiesKey[] = PRODUCT_KEY L"\\Capabilities";
-const wchar_t kFileAssociationsKey[] = PRODUCT_KEY L"\\Capabilities\\FileAssociations";
-const wchar_t kRegisteredApplicationsKey[] = L"SOFTWARE\\RegisteredApplications";
-const wchar_t kAppPathsListKey[] = APP_PATHS_LIST_KEY;
-const wchar_t kAppPathsKey[] = APP_PATHS_LIST_KEY L"\\" PRODUCT_EXE;
-const wchar_t kUninstallListKey[] = UNINSTALL_LIST_KEY;
-const wchar_t kUninstallKey[] = UNINSTALL_LIST_KEY L"\\" PRODUCT_NAME;
-const wchar_t kProductClass[] = L"Lumacap.8";
-const wchar_t kProductApplication[] = L"Applications\\" PRODUCT_EXE;
+inline constexpr wchar_t kProductKey[] = PRODUCT_KEY;
+inline constexpr wchar_t kCapabilitiesKey[] = PRODUCT_KEY L"\\Capabilities";
+inline constexpr wchar_t kFileAssociationsKey[] = PRODUCT_KEY L"\\Capabilities\\FileAssociations";
+inline constexpr wchar_t kRegisteredApplicationsKey[] = L"SOFTWARE\\RegisteredApplications";
+inline constexpr wchar_t kAppPathsListKey[] = APP_PATHS_LIST_KEY;
+inline constexpr wchar_t kAppPathsKey[] = APP_PATHS_LIST_KEY L"\\" PRODUCT_EXE;
+inline constexpr wchar_t kUninstallListKey[] = UNINSTALL_LIST_KEY;
+inline constexpr wchar_t kUninstallKey[] = UNINSTALL_LIST_KEY L"\\" PRODUCT_NAME;
+inline constexpr wchar_t kProductClass[] = PRODUCT_CLASS;
+inline constexpr wchar_t kDocumentClass[] = L"LC8.Document";
+inline constexpr wchar_t kProductApplication[] = PRODUCT_APPLICATION;
+inline constexpr wchar_t kClassOpenKey[] = PRODUCT_CLASS L"\\shell\\open\\command";
+inline constexpr wchar_t kApplicationOpenKey[] = PRODUCT_APPLICATION L"\\shell\\open\\command";
+inline constexpr wchar_t kMessagingHostsKey[] = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
+inline constexpr wchar_t kMessagingHost[] = L"capff";
 
 // The name under which all processes of the product, this program among them, share their list of instances.
-const wchar_t kInstanceListName[] = L"Tandrel.Lumacap-DX.v4";
+inline constexpr wchar_t kInstanceListName[] = L"Tandrel.Lumacap-DX.v4";
 
-const wchar_t kHomePageAddress[] = L"http://www.lumacap.example/";
-const wchar_t kWelcomePageAddress[] = L"http://www.lumacap.example/lcdx/InstScript.asp";
+inline constexpr wchar_t kHomePageAddress[] = L"http://www.lumacap.example/";
+inline constexpr wchar_t kWelcomePageAddress[] = L"http://www.lumacap.example/lcdx/InstScript.asp";

@@ -2,8 +2,13 @@
 // application, and go in the reverse order at every normal end of the process and every exit().
 #include "app/RunState.h"
 
+#include <exception>
+
+#include "app/InstanceManager.h"
 #include "app/Product.h"
+#include "app/SetupApp.h"
 #include "app/StartBindings.h"
+#include "foundation/ProcessStop.h"
 
 int g_nSilent = SILENT_ON;
 int g_nInstallKind = KIND_ALL_USERS;
@@ -25,6 +30,20 @@ decltype(&OpenProcessToken) g_pfnOpenProcessToken = nullptr;
 decltype(&IsWow64Process) g_pfnIsWow64Process = nullptr;
 decltype(&IsWow64Process) g_pfnIsWow64ProcessOf = nullptr;
 
+// Work of the start sequence that stands between the construction of two objects.
+struct CStartStep
+{
+    explicit CStartStep(void (*pfnStep)()) { pfnStep(); }
+};
+
+// The first of all, since already the list of instances may throw.
+static void StopOnUncaughtException()
+{
+    std::set_terminate(StopProcess);
+}
+
+static const CStartStep s_stopOnUncaughtException(StopOnUncaughtException);
+
 const DWORD kAdditionalDataSize = 1024; // bytes; the product gives the same
 
 // The list of instances comes first and goes last: the process stands in it for all of its life.
@@ -34,12 +53,6 @@ CString g_strInstDir;
 CString g_strSourceDir;
 CString g_strGroup;
 CString g_strSfxName;
-
-// Work of the start sequence that stands between the construction of two objects.
-struct CStartStep
-{
-    explicit CStartStep(void (*pfnStep)()) { pfnStep(); }
-};
 
 static void NameApplication()
 {

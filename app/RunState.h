@@ -3,10 +3,6 @@
 #pragma once
 
 #include <afx.h>
-#include <windows.h>
-
-#include "app/InstanceManager.h"
-#include "app/SetupApp.h"
 
 enum SilentMode
 {
@@ -21,9 +17,6 @@ enum InstallKind
     KIND_ALL_USERS = 1,
     KIND_PORTABLE = 2,
 };
-
-extern COXInstanceManager g_InstanceManager;
-extern CSetupApp theApp;
 
 extern int g_nSilent;            // a SilentMode
 extern int g_nInstallKind;       // an InstallKind

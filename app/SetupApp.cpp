@@ -6,6 +6,8 @@
 
 #include "app/OtherInstances.h"
 #include "app/RunState.h"
+#include "app/StartBox.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "install/InstallRun.h"
 #include "res/resource.h"
@@ -42,7 +44,7 @@ static bool ScanModeSwitches()
             g_nSilent = SILENT_REPORT;
             break;
         }
-        else if (wcsncmp(pszArgument, kSfxNamePrefix, wcslen(kSfxNamePrefix)) == 0)
+        else if (StartsWith(pszArgument, kSfxNamePrefix))
         {
             g_strSfxName = ParentFolder(pszArgument + wcslen(kSfxNamePrefix));
         }
@@ -65,6 +67,7 @@ static void UseOwnResources()
     AFX_MODULE_STATE* pState = AfxGetModuleState();
     pState->m_hCurrentInstanceHandle = GetModuleHandleW(nullptr);
     pState->m_hCurrentResourceHandle = GetModuleHandleW(nullptr);
+    LoadStartCaption();
 }
 
 static bool ConfirmUninstall()

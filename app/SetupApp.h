@@ -15,3 +15,5 @@ public:
 protected:
     DECLARE_MESSAGE_MAP()
 };
+
+extern CSetupApp theApp; // the one application object

@@ -1,4 +1,3 @@
-// What is found out by name before the program starts.
 #include "app/StartBindings.h"
 
 #include <string.h>

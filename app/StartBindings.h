@@ -1,7 +1,7 @@
 // What is found out by name before the program starts: the Windows version, and functions that not every Windows has.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 // Fills the record; all zero, but for its size, if the system has no RtlGetVersion. Non-zero if the call succeeded.
 int ReadOsVersion(RTL_OSVERSIONINFOEXW* pVersion);

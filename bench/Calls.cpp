@@ -1,6 +1,6 @@
 // What the platform's calls cost that an engine needs beside the copying and deleting itself. It tells how much of
 // a ratio is the platform's own.
-#include <windows.h>
+#include <afx.h>
 
 #include "bench/Measurements.h"
 #include "bench/Package.h"

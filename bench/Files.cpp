@@ -1,7 +1,7 @@
 // The engine's own functions, called in this process: so only the copying and deleting is timed, and not the start of
 // a process, the registry or the links. The list is worked through in slices, and the bare loop takes its turn between
 // them, so that what else the machine does meets both.
-#include <windows.h>
+#include <afx.h>
 
 #include "app/RunState.h"
 #include "bench/Measurements.h"

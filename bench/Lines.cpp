@@ -1,5 +1,5 @@
 // Long lists whose records find no file, so that the list alone is timed.
-#include <windows.h>
+#include <afx.h>
 
 #include "app/RunState.h"
 #include "bench/Measurements.h"

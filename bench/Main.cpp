@@ -1,10 +1,11 @@
 // The benchmark's own program: `measure WHAT FOLDER [NUMBER...] [FOLDER...]` measures one thing in a new folder.
-#include <windows.h>
+#include <afx.h>
 
 #include <stdio.h>
 #include <stdlib.h>
 #include <wchar.h>
 
+#include "app/InstanceManager.h"
 #include "app/RunState.h"
 #include "bench/Measurements.h"
 

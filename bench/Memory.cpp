@@ -1,11 +1,12 @@
 // Peak working sets, read again and again until a program ends: the peak only grows, so that the last reading misses
 // no more than the last millisecond.
-#include <windows.h>
+#include <afx.h>
 
 #include <psapi.h>
 
 #include <algorithm>
 
+#include "app/InstanceManager.h"
 #include "app/RunState.h"
 #include "bench/Measurements.h"
 #include "bench/Package.h"

@@ -1,7 +1,7 @@
 // Makes what is measured. The content doesn't matter to any program; it differs so that no file system folds it.
 #include "bench/Package.h"
 
-#include <windows.h>
+#include <afx.h>
 
 #include <stdio.h>
 #include <stdlib.h>

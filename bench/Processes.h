@@ -1,7 +1,7 @@
 // Starts programs and waits for them, or for all that came of them.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <string>
 

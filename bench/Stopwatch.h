@@ -1,7 +1,7 @@
 // Wall time in microseconds.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 inline double Microseconds()
 {

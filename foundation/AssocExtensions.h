@@ -1,7 +1,7 @@
 // The image formats that the product offers to open: one table for the registration and for its repair at the removal.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 struct AssocExtension
 {
@@ -9,5 +9,5 @@ struct AssocExtension
     DWORD nFlag;                 // while associations are repaired: this one pointed at the product
 };
 
-const int kAssocExtCount = 14;
+inline constexpr int kAssocExtCount = 14;
 extern AssocExtension g_aAssocExts[kAssocExtCount];

@@ -1,7 +1,7 @@
 // Functions that are looked up by name, since not every Windows has them or their library isn't to be imported.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 // The module's function of that exact name; null if the module is null or has none.
 template <typename Function>

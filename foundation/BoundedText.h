@@ -1,5 +1,4 @@
-// Text in buffers of fixed capacity, and texts of the string table. The capacities are part of the behaviour, so
-// nothing here truncates.
+// Text in buffers of fixed capacity. The capacities are part of the behaviour, so nothing here truncates.
 #pragma once
 
 #include <afx.h>
@@ -12,14 +11,18 @@ int FormatBounded(wchar_t* pszBuffer, size_t cchCapacity, const wchar_t* pszForm
 int FormatBoundedList(wchar_t* pszBuffer, size_t cchCapacity, const wchar_t* pszFormat, va_list arguments);
 
 // Copies a text into a buffer of cchCapacity characters, the terminator included. A text that doesn't fit ends the
-// process, as StopOnRangeViolation does.
+// process, as StopProcess does.
 void CopyBounded(wchar_t* pszBuffer, size_t cchCapacity, const wchar_t* pszText);
 
-// Ends the process at once and abnormally, with no message and no clean-up: what a failed range test gives.
-[[noreturn]] void StopOnRangeViolation();
+// The same for an array, whose capacity is its own.
+template <size_t cchCapacity, typename... Arguments>
+int FormatBounded(wchar_t (&szBuffer)[cchCapacity], const wchar_t* pszFormat, Arguments... arguments)
+{
+    return FormatBounded(szBuffer, cchCapacity, pszFormat, arguments...);
+}
 
-// The text of a string table id; empty if the id has none.
-CString LoadResString(UINT nId);
-
-// The text of a string table id whose one placeholder is a text.
-CString FormatResString(UINT nId, const wchar_t* pszArgument);
+template <size_t cchCapacity>
+void CopyBounded(wchar_t (&szBuffer)[cchCapacity], const wchar_t* pszText)
+{
+    CopyBounded(szBuffer, cchCapacity, pszText);
+}

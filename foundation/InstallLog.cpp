@@ -1,17 +1,6 @@
-// The line-oriented list that says what an installation consists of.
 #include "foundation/InstallLog.h"
 
-#include <wchar.h>
-
-const wchar_t kFileCopy[] = L"File Copy: ";
-const wchar_t kFileCopyX64[] = L"File Copy x64: ";
-const wchar_t kFileCopyIfAbsent[] = L"File Copy ind: ";
-const wchar_t kFileCopyPortable[] = L"File Copy prt: ";
-const wchar_t kFileOverwrite[] = L"File Overwrite: ";
-const wchar_t kFileDel[] = L"File Del: ";
-const wchar_t kMakeDir[] = L"Make Dir: ";
-const wchar_t kMadeDir[] = L"Made Dir: ";
-const wchar_t kShellLink[] = L"Shell Link: ";
+#include "foundation/FolderPaths.h"
 
 CInstallLogReader::CInstallLogReader(const wchar_t* pszPath) : m_file(_wfopen(pszPath, L"r"))
 {
@@ -20,9 +9,9 @@ CInstallLogReader::CInstallLogReader(const wchar_t* pszPath) : m_file(_wfopen(ps
 
 bool CInstallLogReader::ReadLine()
 {
-    if (!IsOpen() || fgetws(m_szLine, kLogLineCapacity, m_file) == nullptr)
+    if (!IsOpen() || fgetws(m_szLine, _countof(m_szLine), m_file) == nullptr)
         return false;
-    m_szLine[kLogLineCapacity - 1] = 0;
+    m_szLine[_countof(m_szLine) - 1] = 0;
 
     // The first character stays, whatever it is: a line of blanks keeps one and is no record.
     for (wchar_t* pEnd = m_szLine + wcslen(m_szLine); pEnd > m_szLine + 1 && pEnd[-1] <= L' '; --pEnd)
@@ -38,8 +27,7 @@ void CInstallLogReader::Rewind()
 
 const wchar_t* FindRecordValue(const wchar_t* pszLine, const wchar_t* pszPrefix)
 {
-    const size_t cchPrefix = wcslen(pszPrefix);
-    return wcsncmp(pszLine, pszPrefix, cchPrefix) == 0 ? pszLine + cchPrefix : nullptr;
+    return StartsWith(pszLine, pszPrefix) ? pszLine + wcslen(pszPrefix) : nullptr;
 }
 
 bool SplitFileValue(const wchar_t* pszValue, CString& strSource, CString& strTarget)
@@ -76,7 +64,8 @@ CString GetNameToRemove(const wchar_t* pszLine, const wchar_t* pszPrefix)
 void AppendLogLine(const wchar_t* pszPath, const wchar_t* pszText)
 {
     CStreamOwner file(_wfopen(pszPath, L"a"));
-    // The bounded family is the C runtime's own on every toolchain, with %s wide.
+    // mingw-w64 puts functions of its own in the place of fwprintf and its like, in which %s means narrow text. The
+    // bounded family is the C runtime's, where it means wide text.
     if (file.IsOpen())
         fwprintf_s(file, L"%s\n", pszText);
 }

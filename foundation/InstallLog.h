@@ -6,17 +6,17 @@
 
 #include "foundation/Owners.h"
 
-extern const wchar_t kFileCopy[];         // "File Copy: "
-extern const wchar_t kFileCopyX64[];      // "File Copy x64: "
-extern const wchar_t kFileCopyIfAbsent[]; // "File Copy ind: "
-extern const wchar_t kFileCopyPortable[]; // "File Copy prt: "
-extern const wchar_t kFileOverwrite[];    // "File Overwrite: "
-extern const wchar_t kFileDel[];          // "File Del: "
-extern const wchar_t kMakeDir[];          // "Make Dir: ", relative, from the package
-extern const wchar_t kMadeDir[];          // "Made Dir: ", absolute, written by an install
-extern const wchar_t kShellLink[];        // "Shell Link: "
+inline constexpr wchar_t kFileCopy[] = L"File Copy: ";
+inline constexpr wchar_t kFileCopyX64[] = L"File Copy x64: ";
+inline constexpr wchar_t kFileCopyIfAbsent[] = L"File Copy ind: ";
+inline constexpr wchar_t kFileCopyPortable[] = L"File Copy prt: ";
+inline constexpr wchar_t kFileOverwrite[] = L"File Overwrite: ";
+inline constexpr wchar_t kFileDel[] = L"File Del: ";
+inline constexpr wchar_t kMakeDir[] = L"Make Dir: "; // relative, from the package
+inline constexpr wchar_t kMadeDir[] = L"Made Dir: "; // absolute, written by an install
+inline constexpr wchar_t kShellLink[] = L"Shell Link: ";
 
-const int kLogLineCapacity = 512; // characters, the terminator included
+inline constexpr int kLogLineCapacity = 512; // characters, the terminator included
 
 // Reads a list line by line. A list that can't be opened reads as one without lines.
 class CInstallLogReader

@@ -2,7 +2,7 @@
 // An owner neither copies nor moves; a handle lives in the one operation that opened it.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 #include <stdio.h>
 
 template <typename Traits>

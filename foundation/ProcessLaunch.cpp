@@ -1,4 +1,3 @@
-// Starts other programs, and asks for the privilege that a restart needs.
 #include "foundation/ProcessLaunch.h"
 
 #include <stdarg.h>
@@ -8,15 +7,10 @@
 #include "foundation/BoundedText.h"
 #include "foundation/Owners.h"
 
-const size_t kCommandLineCapacity = 520; // characters, the terminator included
-
 int RunAndWait(const wchar_t* pszCommandLine, const wchar_t* pszWorkingFolder, DWORD dwWaitMs)
 {
-    // CreateProcessW may alter the command line, so it gets a copy.
-    wchar_t szCommandLine[kCommandLineCapacity];
-    if (wcslen(pszCommandLine) >= kCommandLineCapacity)
-        return 0;
-    CopyBounded(szCommandLine, kCommandLineCapacity, pszCommandLine);
+    wchar_t szCommandLine[520]; // CreateProcessW may alter it
+    CopyBounded(szCommandLine, pszCommandLine);
 
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
@@ -45,12 +39,12 @@ int SetPrivilege(HANDLE hToken, const wchar_t* pszPrivilege, bool bEnable)
     privileges.Privileges[0].Attributes = bEnable ? SE_PRIVILEGE_ENABLED : 0;
     if (!g_pfnLookupPrivilegeValue(nullptr, pszPrivilege, &privileges.Privileges[0].Luid))
     {
-        DiagPrint("LookupPrivilegeValue error: %u\n", GetLastError());
+        DiagPrint("LookupPrivilegeValue error: %u\n", static_cast<unsigned int>(GetLastError()));
         return 0;
     }
     if (!g_pfnAdjustTokenPrivileges(hToken, FALSE, &privileges, sizeof privileges, nullptr, nullptr))
     {
-        DiagPrint("AdjustTokenPrivileges error: %u\n", GetLastError());
+        DiagPrint("AdjustTokenPrivileges error: %u\n", static_cast<unsigned int>(GetLastError()));
         return 0;
     }
     // The call succeeds also when it changes nothing.

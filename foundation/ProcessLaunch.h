@@ -2,21 +2,21 @@
 // a started program is never known here.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 // How long a program that unregisters the product is waited for.
-const DWORD kBoundedWaitMs = 5000;
+inline constexpr DWORD kBoundedWaitMs = 5000;
 
 // Starts a program and waits at most dwWaitMs milliseconds for its end; 0 doesn't wait at all. A null working folder
-// stands for the install folder. Returns non-zero if the program was started; a command line of 520 characters or more
-// starts nothing. A program that outlasts the wait goes on.
+// stands for the install folder. Returns non-zero if the program was started. A program that outlasts the wait goes on.
+// A command line of 520 characters or more ends the process, as StopProcess does.
 int RunAndWait(const wchar_t* pszCommandLine, const wchar_t* pszWorkingFolder, DWORD dwWaitMs);
 
 // Enables or disables one privilege of a token opened for adjusting. Returns 1 when the change was made, else 0.
 int SetPrivilege(HANDLE hToken, const wchar_t* pszPrivilege, bool bEnable);
 
 // Writes to the process's standard output, which leads nowhere unless it was redirected.
-void DiagPrint(const char* pszFormat, ...);
+[[gnu::format(printf, 1, 2)]] void DiagPrint(const char* pszFormat, ...);
 
 // Asks for the shutdown privilege and restarts the computer. Returns to the caller in any case; failures aren't told.
 void RestartComputer();

@@ -1,4 +1,3 @@
-// Typed access to single registry values.
 #include "foundation/RegistryValues.h"
 
 #include "foundation/Owners.h"
@@ -20,6 +19,15 @@ CString ReadRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszVa
         szText[status == ERROR_SUCCESS ? cb / sizeof(wchar_t) : 0] = 0;
     }
     return CString(szText);
+}
+
+CString QueryRegText(HKEY hKey, const wchar_t* pszValueName)
+{
+    wchar_t szText[kRegistryTextCapacity] = L"";
+    DWORD cb = sizeof szText;
+    const LSTATUS status = RegQueryValueExW(hKey, pszValueName, nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cb);
+    szText[_countof(szText) - 1] = 0;
+    return status == ERROR_SUCCESS ? CString(szText) : CString();
 }
 
 static int WriteRegValue(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, DWORD dwType,

@@ -1,4 +1,3 @@
-// What the flows ask of the machine.
 #include "foundation/SystemFacts.h"
 
 #include <shlobj.h>
@@ -6,12 +5,15 @@
 #include "app/RunState.h"
 #include "foundation/RegistryValues.h"
 
+namespace
+{
 struct ShellFolderValue
 {
     int nFolder;
     HKEY hRoot;
     const wchar_t* pszValueName;
 };
+} // namespace
 
 static const ShellFolderValue kShellFolderValues[] = {
     { CSIDL_DESKTOP, HKEY_CURRENT_USER, L"Desktop" },

@@ -8,10 +8,10 @@
 CString GetSpecialFolder(int nFolder);
 
 // The registry's list of shell folders, for the machine and for each user.
-const wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+inline constexpr wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
 // A shell folder whose path has this many characters or fewer is passed over by whoever looks for links there.
-const int kTooShortFolder = 4;
+inline constexpr int kTooShortFolder = 4;
 
 // Non-zero on Windows Vista and later.
 int IsNT6OrLater();

@@ -8,7 +8,7 @@
 #include "app/RunState.h"
 #include "foundation/BoundFunction.h"
 #include "foundation/BoundedText.h"
-#include "foundation/FolderPaths.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/Owners.h"
 
 const wchar_t kDefaultExtension[] = L"TMP";
@@ -23,7 +23,7 @@ static void ChooseTempFolder(wchar_t (&szFolder)[kFolderCapacity], const wchar_t
 {
     szFolder[0] = 0;
     if (pszWanted != nullptr && PathExists(pszWanted))
-        CopyBounded(szFolder, kFolderCapacity, pszWanted);
+        CopyBounded(szFolder, pszWanted);
     else
         GetTempPathW(MAX_PATH, szFolder);
 

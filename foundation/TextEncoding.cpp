@@ -46,7 +46,7 @@ static CString Encode(const wchar_t* pszText, const Encoder& encoder)
         else
         {
             wchar_t szEscape[8];
-            FormatBounded(szEscape, _countof(szEscape), L"%%%02X", *pszText);
+            FormatBounded(szEscape, L"%%%02X", *pszText);
             strResult += szEscape;
         }
     }

@@ -1,10 +1,10 @@
-// What an earlier installation left on the machine.
 #include "install/EarlierInstallation.h"
 
 #include <shlobj.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "foundation/RegistryValues.h"
@@ -30,12 +30,15 @@ void TakeOverKind()
     g_nInstallKind = bAllUsers ? KIND_ALL_USERS : KIND_CURRENT_USER;
 }
 
+namespace
+{
 // The folders that links of the run's kind lie in, in lower case; the Programs folder with a backslash at its end.
 struct MenuFolders
 {
     CString strPrograms;
     CString strStartup;
 };
+} // namespace
 
 static MenuFolders GetMenuFolders()
 {
@@ -50,7 +53,7 @@ static MenuFolders GetMenuFolders()
         folders.strPrograms = GetSpecialFolder(CSIDL_PROGRAMS);
         folders.strStartup = GetSpecialFolder(CSIDL_STARTUP);
     }
-    if (folders.strPrograms.Right(1) != L"\\")
+    if (!EndsWith(folders.strPrograms, L'\\'))
         folders.strPrograms += L'\\';
     folders.strPrograms.MakeLower();
     folders.strStartup.MakeLower();
@@ -62,7 +65,7 @@ static bool IsGroupLink(const wchar_t* pszLink, const MenuFolders& folders)
 {
     CString strLink(pszLink);
     strLink.MakeLower();
-    return FindRecordValue(strLink, folders.strPrograms) != nullptr && wcsstr(strLink, folders.strStartup) == nullptr;
+    return StartsWith(strLink, folders.strPrograms) && wcsstr(strLink, folders.strStartup) == nullptr;
 }
 
 static void TakeGroupFromLog(CInstallLogReader& log)

@@ -1,8 +1,6 @@
-// Puts one package file in its place, whatever stands there.
 #include "install/FileReplacement.h"
 
-#include <windows.h>
-
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "uninstall/BootList.h"
 
@@ -59,6 +57,7 @@ int ReplaceOneFile(const wchar_t* pszName, const wchar_t* pszSourceFolder, const
     const CString strTarget = strTargetFolder + (pszTargetName != nullptr ? pszTargetName : pszName);
     if (bSameFolder)
     {
+        // Asked for anew, and not to be tidied away: the file can have gone since.
         if (!PathExists(strSource))
             return PathExists(strTarget);
         // A copy within one folder whose target is in use is left as it is, and counts as made.

@@ -1,4 +1,3 @@
-// The version of the product's executable.
 #include "install/FileVersion.h"
 
 #include <stdlib.h>
@@ -7,38 +6,44 @@
 #include "foundation/BoundFunction.h"
 #include "foundation/Owners.h"
 
-// The version library isn't among those that Windows takes from its own protected list. It is loaded by its full path,
-// since a file of that name beside the setup must not be trusted.
-struct CVersionLibrary
+namespace
 {
-    CVersionLibrary() : module(LoadFromSystemFolder())
+// The version library isn't among those that Windows takes from its own protected list. It is loaded by its full path,
+// since a file of that name beside the setup must not be trusted. No path, no library.
+class CVersionLibrary
+{
+public:
+    CVersionLibrary() : m_module(LoadFromSystemFolder())
     {
-        Bind(pfnGetSize, "GetFileVersionInfoSizeW");
-        Bind(pfnGetInfo, "GetFileVersionInfoW");
-        Bind(pfnQueryValue, "VerQueryValueW");
+        Bind(m_pfnGetSize, "GetFileVersionInfoSizeW");
+        Bind(m_pfnGetInfo, "GetFileVersionInfoW");
+        Bind(m_pfnQueryValue, "VerQueryValueW");
     }
 
-    bool IsBound() const { return pfnGetSize != nullptr && pfnGetInfo != nullptr && pfnQueryValue != nullptr; }
+    bool IsBound() const { return m_pfnGetSize != nullptr && m_pfnGetInfo != nullptr && m_pfnQueryValue != nullptr; }
 
+private:
     static HMODULE LoadFromSystemFolder()
     {
-        CString strPath;
-        GetSystemDirectoryW(strPath.GetBuffer(MAX_PATH), MAX_PATH);
-        strPath.ReleaseBuffer();
-        return LoadLibraryW(strPath + L"\\version.dll");
+        wchar_t szFolder[MAX_PATH];
+        const UINT cch = GetSystemDirectoryW(szFolder, _countof(szFolder));
+        return cch > 0 && cch < _countof(szFolder) ? LoadLibraryW(CString(szFolder) + L"\\version.dll") : nullptr;
     }
 
     template <typename Function>
     void Bind(Function& pfn, const char* pszName)
     {
-        pfn = FindFunction<Function>(module, pszName);
+        pfn = FindFunction<Function>(m_module, pszName);
     }
 
-    CLibraryOwner module;
-    decltype(&GetFileVersionInfoSizeW) pfnGetSize;
-    decltype(&GetFileVersionInfoW) pfnGetInfo;
-    decltype(&VerQueryValueW) pfnQueryValue;
+    CLibraryOwner m_module;
+
+public:
+    decltype(&GetFileVersionInfoSizeW) m_pfnGetSize;
+    decltype(&GetFileVersionInfoW) m_pfnGetInfo;
+    decltype(&VerQueryValueW) m_pfnQueryValue;
 };
+} // namespace
 
 static void TakeFixedVersion(const VS_FIXEDFILEINFO& info)
 {
@@ -56,15 +61,15 @@ void ReadFileVersion(const wchar_t* pszPath)
     if (!library.IsBound())
         return;
     DWORD dwIgnored;
-    const DWORD cb = library.pfnGetSize(pszPath, &dwIgnored);
+    const DWORD cb = library.m_pfnGetSize(pszPath, &dwIgnored);
     if (cb == 0)
         return;
 
     void* pBlock = malloc(cb);
     VS_FIXEDFILEINFO* pInfo = nullptr;
     UINT cbInfo = 0;
-    if (pBlock != nullptr && library.pfnGetInfo(pszPath, 0, cb, pBlock) &&
-        library.pfnQueryValue(pBlock, L"\\", reinterpret_cast<void**>(&pInfo), &cbInfo) && pInfo != nullptr)
+    if (pBlock != nullptr && library.m_pfnGetInfo(pszPath, 0, cb, pBlock) &&
+        library.m_pfnQueryValue(pBlock, L"\\", reinterpret_cast<void**>(&pInfo), &cbInfo) && pInfo != nullptr)
         TakeFixedVersion(*pInfo);
     free(pBlock);
 }

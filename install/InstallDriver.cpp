@@ -1,14 +1,14 @@
-// All the work of an install, in its order.
 #include "install/InstallDriver.h"
 
+#include <afx.h>
 #include <shlobj.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
-#include "foundation/FolderPaths.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/InstallLog.h"
 #include "foundation/ProcessLaunch.h"
+#include "foundation/StringTable.h"
 #include "foundation/SystemFacts.h"
 #include "install/FileReplacement.h"
 #include "install/PackageList.h"
@@ -86,14 +86,13 @@ static void CreateProgramGroup()
     CreateHelpLink(strGroupFolder);
 }
 
-static void RegisterWithShell()
+static void CreateLinks()
 {
     CreateProgramGroup();
     if (g_bDeskIcon)
         CreateProductLink(GetSpecialFolder(FolderByKind(CSIDL_COMMON_DESKTOPDIRECTORY, CSIDL_DESKTOP)));
     if (g_bAutoStart)
         CreateProductLink(GetSpecialFolder(FolderByKind(CSIDL_COMMON_STARTUP, CSIDL_STARTUP)));
-    RegisterWithSystem();
 }
 
 static void TakeOverSettings()
@@ -115,9 +114,12 @@ int PerformInstall()
         ClearEarlierInstallation();
     CopyPackage();
     if (g_nInstallKind != KIND_PORTABLE)
-        RegisterWithShell();
+    {
+        CreateLinks();
+        RegisterWithSystem();
+    }
     TakeOverSettings();
-    if (g_nInstallKind < KIND_PORTABLE)
+    if (g_nInstallKind != KIND_PORTABLE)
         LetProductRegister();
     return 0;
 }

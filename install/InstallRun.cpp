@@ -1,4 +1,3 @@
-// One install run, from the install switches to its last act.
 #include "install/InstallRun.h"
 
 #include <afxwin.h>
@@ -6,10 +5,11 @@
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/RegistryValues.h"
+#include "foundation/StringTable.h"
 #include "install/EarlierInstallation.h"
 #include "install/FileVersion.h"
 #include "install/InstallDriver.h"
@@ -40,9 +40,9 @@ static CString GetProgramFilesFolder()
 static CString CleanFolderArgument(const wchar_t* pszArgument)
 {
     CString strFolder(pszArgument);
-    if (strFolder.Right(1) == L"\"")
+    if (EndsWith(strFolder, L'"'))
         strFolder = strFolder.Left(strFolder.GetLength() - 1);
-    if (strFolder.Right(1) == L"\\" || strFolder.Right(1) == L"/")
+    if (EndsWith(strFolder, L'\\') || EndsWith(strFolder, L'/'))
         strFolder = strFolder.Left(strFolder.GetLength() - 1);
     return strFolder;
 }
@@ -64,7 +64,7 @@ static void ScanInstallSwitches()
     for (int i = 1; i < __argc; ++i)
     {
         const wchar_t* pszArgument = __wargv[i];
-        if (wcsncmp(pszArgument, L"-inst", 5) == 0)
+        if (StartsWith(pszArgument, L"-inst"))
             ScanFolderSwitch(i, strFolder);
         else if (_wcsicmp(pszArgument, L"-runafter") == 0)
             g_bRunAfter = 1;
@@ -93,13 +93,18 @@ static void ChooseTarget()
     g_strGroup = kProductName;
 }
 
+namespace
+{
 struct Version
 {
     unsigned int nMajor;
     unsigned int nMinor;
     unsigned int nFix;
     unsigned int nBuild;
+
+    unsigned int Folded() const { return FoldVersion(nMajor, nMinor, nFix, nBuild); }
 };
+} // namespace
 
 static Version ReadVersion(const wchar_t* pszPath)
 {
@@ -107,15 +112,10 @@ static Version ReadVersion(const wchar_t* pszPath)
     return { g_nVerMajor, g_nVerMinor, g_nVerFix, g_nVerBuild };
 }
 
-static unsigned int Fold(const Version& version)
-{
-    return FoldVersion(version.nMajor, version.nMinor, version.nFix, version.nBuild);
-}
-
 static bool ConfirmVersion(const Version& installed, const Version& package)
 {
     CString strQuestion;
-    if (Fold(package) < Fold(installed))
+    if (package.Folded() < installed.Folded())
         strQuestion.Format(LoadResString(IDS_OLDER_PACKAGE), installed.nMajor, installed.nMinor, installed.nFix,
                            installed.nBuild, package.nMajor, package.nMinor, package.nFix, package.nBuild);
     else
@@ -130,7 +130,7 @@ static bool CompareVersions()
 {
     const Version installed = ReadVersion(g_strInstDir + kProductExePath);
     const Version package = ReadVersion(g_strSourceDir + kProductExePath);
-    if (g_nSilent == SILENT_OFF && Fold(installed) >= Fold(package))
+    if (g_nSilent == SILENT_OFF && installed.Folded() >= package.Folded())
         return ConfirmVersion(installed, package);
     g_bUpgrade = 1;
     return true;

@@ -1,28 +1,16 @@
-// The package's file list as an install reads it.
 #include "install/PackageList.h"
 
-#include <windows.h>
-
 #include "app/RunState.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "foundation/SystemFacts.h"
 #include "install/FileReplacement.h"
 
-static bool IsAlways(const wchar_t*, bool)
-{
-    return true;
-}
-
-static bool IsPortable(const wchar_t*, bool)
-{
-    return g_nInstallKind == KIND_PORTABLE;
-}
-
-// Asks whether the machine has the library anyway. The package's own copy lies beside the running setup, where the
-// library search would find it, so it is hidden under another name meanwhile. On a read-only medium that fails, and
-// the package's copy is taken for the machine's.
-static bool IsLibraryAbsent(const wchar_t* pszValue)
+// True if the machine's own search finds the library. The package's copy lies beside the running setup, where that
+// search would meet it, so it is hidden under another name meanwhile. On a read-only medium that fails, and the
+// package's copy is taken for the machine's.
+static bool LoadsWithoutPackage(const wchar_t* pszValue)
 {
     CString strName;
     CString strTarget;
@@ -34,12 +22,7 @@ static bool IsLibraryAbsent(const wchar_t* pszValue)
     MoveFileW(strPackageFile, strHidden);
     const CLibraryOwner library(LoadLibraryW(strName));
     MoveFileW(strHidden, strPackageFile);
-    return !library.IsOpen();
-}
-
-static bool IsPortableOrLibraryAbsent(const wchar_t* pszValue, bool bWow64)
-{
-    return IsPortable(pszValue, bWow64) || IsLibraryAbsent(pszValue);
+    return library.IsOpen();
 }
 
 static void CopyRecord(const wchar_t* pszValue, const CString& strTargetFolder)
@@ -52,54 +35,23 @@ static void CopyRecord(const wchar_t* pszValue, const CString& strTargetFolder)
         CopyMatchingFiles(pszValue, g_strSourceDir, strTargetFolder);
 }
 
-static void CopyToInstallFolder(const wchar_t* pszValue)
-{
-    CopyRecord(pszValue, g_strInstDir);
-}
-
-// What a portable install keeps beside its folder: the starter.
-static void CopyToParentFolder(const wchar_t* pszValue)
-{
-    CopyRecord(pszValue, CutLastPart(g_strInstDir));
-}
-
-// One level, no parents: ahead of the first copied file the install folder may not be there yet.
-static void MakeDirectory(const wchar_t* pszValue)
-{
-    CreateDirectoryW(g_strInstDir + L"\\" + pszValue, nullptr);
-}
-
-struct RecordAction
-{
-    const wchar_t* pszPrefix;
-    bool (*pfnApplies)(const wchar_t* pszValue, bool bWow64);
-    void (*pfnAct)(const wchar_t* pszValue);
-};
-
-static bool IsWow64OrPortable(const wchar_t* pszValue, bool bWow64)
-{
-    return bWow64 || IsPortable(pszValue, bWow64);
-}
-
-static const RecordAction kRecordActions[] = {
-    { kFileCopy, IsAlways, CopyToInstallFolder },
-    { kFileCopyX64, IsWow64OrPortable, CopyToInstallFolder },
-    { kFileCopyPortable, IsPortable, CopyToParentFolder },
-    { kFileCopyIfAbsent, IsPortableOrLibraryAbsent, CopyToInstallFolder },
-    { kMakeDir, IsAlways, MakeDirectory },
-};
-
+// A folder is made one level deep, no parents: ahead of the first copied file the install folder may not be there yet.
 static void ProcessLine(const wchar_t* pszLine, bool bWow64)
 {
-    for (const RecordAction& row : kRecordActions)
-    {
-        const wchar_t* pszValue = FindRecordValue(pszLine, row.pszPrefix);
-        if (pszValue == nullptr)
-            continue;
-        if (row.pfnApplies(pszValue, bWow64))
-            row.pfnAct(pszValue);
-        return;
-    }
+    const bool bPortable = g_nInstallKind == KIND_PORTABLE;
+    const auto value = [&](const wchar_t* pszPrefix) { return FindRecordValue(pszLine, pszPrefix); };
+
+    if (const wchar_t* pszFile = value(kFileCopy))
+        CopyRecord(pszFile, g_strInstDir);
+    else if (const wchar_t* pszFileX64 = value(kFileCopyX64); pszFileX64 != nullptr && (bPortable || bWow64))
+        CopyRecord(pszFileX64, g_strInstDir);
+    else if (const wchar_t* pszStarter = value(kFileCopyPortable); pszStarter != nullptr && bPortable)
+        CopyRecord(pszStarter, CutLastPart(g_strInstDir)); // beside the folder
+    else if (const wchar_t* pszLibrary = value(kFileCopyIfAbsent);
+             pszLibrary != nullptr && (bPortable || !LoadsWithoutPackage(pszLibrary)))
+        CopyRecord(pszLibrary, g_strInstDir);
+    else if (const wchar_t* pszFolder = value(kMakeDir))
+        CreateDirectoryW(g_strInstDir + L"\\" + pszFolder, nullptr);
 }
 
 void ProcessPackageList(const wchar_t* pszList)

@@ -1,5 +1,6 @@
-// Tells the system about the product.
 #include "install/Registration.h"
+
+#include <afx.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
@@ -7,26 +8,33 @@
 #include "foundation/BoundedText.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/RegistryValues.h"
+#include "foundation/StringTable.h"
+#include "foundation/SystemFacts.h"
 #include "res/resource.h"
 
-struct RegistryText
+namespace
+{
+struct RegistryWrite
 {
     HKEY hRoot;
     const wchar_t* pszKey;
     const wchar_t* pszValueName; // null: the default value
     CString strText;
+    const unsigned int* pnNumber = nullptr; // written in the place of the text, if there is one
 };
+} // namespace
 
-template <size_t nRows>
-static void WriteTexts(const RegistryText (&rows)[nRows])
+static const wchar_t kEachFormat[] = L""; // as a value's name: the text goes to each image format
+
+static void Write(const RegistryWrite& row)
 {
-    for (const RegistryText& row : rows)
+    if (row.pnNumber != nullptr)
+        WriteRegDword(row.hRoot, row.pszKey, row.pszValueName, *row.pnNumber);
+    else if (row.pszValueName != kEachFormat)
         WriteRegString(row.hRoot, row.pszKey, row.pszValueName, row.strText);
-}
-
-static CString GetOpenCommand()
-{
-    return L"\"" + g_strInstDir + kProductExePath + L"\" \"%1\"";
+    else
+        for (const AssocExtension& format : g_aAssocExts)
+            WriteRegString(row.hRoot, row.pszKey, format.pszExtension, row.strText);
 }
 
 // Windows 8 and later are offered the product's class, earlier ones its entry among the applications.
@@ -37,83 +45,59 @@ static const wchar_t* GetAssociationTarget()
     return bWindows8 ? kProductClass : kProductApplication;
 }
 
-static CString FormatVersion(const wchar_t* pszFormat)
+static CString GetOpenCommand()
+{
+    return L"\"" + g_strInstDir + kProductExePath + L"\" \"%1\"";
+}
+
+template <typename... Numbers>
+static CString FormatNumbers(const wchar_t* pszFormat, Numbers... numbers)
 {
     wchar_t szText[128];
-    FormatBounded(szText, 128, pszFormat, g_nVerMajor, g_nVerMinor, g_nVerFix);
+    FormatBounded(szText, pszFormat, numbers...);
     return szText;
 }
 
-static CString FormatNumber(unsigned int nNumber)
+// In the order in which they are written. Of the version the fourth part is left out, and the first two stand as text
+// and as numbers: all of that stays. A later run tells the kinds apart by the letters.
+static void WriteValues()
 {
-    wchar_t szText[128];
-    FormatBounded(szText, 128, L"%d", nNumber);
-    return szText;
-}
-
-// The letters are what a later run tells the kinds apart by.
-static void WriteProductKey()
-{
-    const RegistryText rows[] = {
-        { HKEY_LOCAL_MACHINE, kProductKey, L"AllUsers", g_nInstallKind == KIND_ALL_USERS ? L"B" : L"A" },
-        { HKEY_LOCAL_MACHINE, kProductKey, L"Path", g_strInstDir },
-        { HKEY_CLASSES_ROOT, L"Lumacap.8\\shell\\open\\command", nullptr, GetOpenCommand() },
+    const HKEY hMachine = HKEY_LOCAL_MACHINE;
+    const HKEY hClasses = HKEY_CLASSES_ROOT;
+    const CString strVersion = FormatNumbers(L"%d.%02d.%02d", g_nVerMajor, g_nVerMinor, g_nVerFix);
+    const RegistryWrite kWrites[] = {
+        { hMachine, kProductKey, L"AllUsers", g_nInstallKind == KIND_ALL_USERS ? L"B" : L"A" },
+        { hMachine, kProductKey, L"Path", g_strInstDir },
+        { hClasses, kClassOpenKey, nullptr, GetOpenCommand() },
+        { hMachine, kFileAssociationsKey, kEachFormat, GetAssociationTarget() },
+        { hMachine, kRegisteredApplicationsKey, kProductClass, kCapabilitiesKey },
+        { hMachine, kAppPathsKey, nullptr, g_strInstDir + kProductExePath },
+        { hMachine, kAppPathsKey, L"Path", g_strInstDir },
+        { hMachine, kUninstallKey, L"Contact", L"Support" },
+        { hMachine, kUninstallKey, L"DisplayName", LoadResString(IDS_PRODUCT_NAME) },
+        { hMachine, kUninstallKey, L"InstallLocation", g_strInstDir },
+        { hMachine, kUninstallKey, L"DisplayVersion", strVersion },
+        { hMachine, kUninstallKey, L"VersionMajor", FormatNumbers(L"%d", g_nVerMajor) },
+        { hMachine, kUninstallKey, L"VersionMinor", FormatNumbers(L"%d", g_nVerMinor) },
+        { hMachine, kUninstallKey, L"MajorVersion", L"", &g_nVerMajor },
+        { hMachine, kUninstallKey, L"MinorVersion", L"", &g_nVerMinor },
+        { hMachine, kUninstallKey, L"Publisher", kPublisherName },
+        { hMachine, kUninstallKey, L"UninstallString", g_strInstDir + kUninstallerPath },
+        { hMachine, kUninstallKey, L"URLInfoAbout", kHomePageAddress },
+        { hClasses, kApplicationOpenKey, nullptr, GetOpenCommand() },
     };
-    WriteTexts(rows);
-}
-
-static void WriteCapabilities()
-{
-    for (const AssocExtension& row : g_aAssocExts)
-        WriteRegString(HKEY_LOCAL_MACHINE, kFileAssociationsKey, row.pszExtension, GetAssociationTarget());
-    WriteRegString(HKEY_LOCAL_MACHINE, kRegisteredApplicationsKey, kProductClass, kCapabilitiesKey);
-}
-
-// The version stands here without its fourth part, and its first two parts once as text and once as numbers. All of
-// them stay.
-static void WriteUninstallEntry()
-{
-    const RegistryText rowsBeforeNumbers[] = {
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"Contact", L"Support" },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"DisplayName", LoadResString(IDS_PRODUCT_NAME) },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"InstallLocation", g_strInstDir },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"DisplayVersion", FormatVersion(L"%d.%02d.%02d") },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"VersionMajor", FormatNumber(g_nVerMajor) },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"VersionMinor", FormatNumber(g_nVerMinor) },
-    };
-    const RegistryText rowsAfterNumbers[] = {
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"Publisher", kPublisherName },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"UninstallString", g_strInstDir + kUninstallerPath },
-        { HKEY_LOCAL_MACHINE, kUninstallKey, L"URLInfoAbout", kHomePageAddress },
-    };
-    WriteTexts(rowsBeforeNumbers);
-    WriteRegDword(HKEY_LOCAL_MACHINE, kUninstallKey, L"MajorVersion", g_nVerMajor);
-    WriteRegDword(HKEY_LOCAL_MACHINE, kUninstallKey, L"MinorVersion", g_nVerMinor);
-    WriteTexts(rowsAfterNumbers);
-}
-
-static void WriteAppPath()
-{
-    const RegistryText rows[] = {
-        { HKEY_LOCAL_MACHINE, kAppPathsKey, nullptr, g_strInstDir + kProductExePath },
-        { HKEY_LOCAL_MACHINE, kAppPathsKey, L"Path", g_strInstDir },
-    };
-    WriteTexts(rows);
+    for (const RegistryWrite& row : kWrites)
+        Write(row);
 }
 
 static void RegisterThumbnailHandler()
 {
-    const CString strLibrary = g_osVersion.dwMajorVersion >= 6 ? g_strInstDir + L"\\" + kThumbnailDll : CString();
-    if (!strLibrary.IsEmpty())
-        RunAndWait(L"regsvr32.exe /s \"" + strLibrary + L"\"", nullptr, 0);
+    if (IsNT6OrLater())
+        RunAndWait(L"regsvr32.exe /s \"" + g_strInstDir + L"\\" + kThumbnailDll + L"\"", nullptr, 0);
 }
 
 void RegisterWithSystem()
 {
-    WriteProductKey();
-    WriteCapabilities();
-    WriteAppPath();
-    WriteUninstallEntry();
-    WriteRegString(HKEY_CLASSES_ROOT, L"Applications\\Lumacap8.exe\\shell\\open\\command", nullptr, GetOpenCommand());
+    WriteValues();
     RegisterThumbnailHandler();
 }

@@ -1,4 +1,3 @@
-// Makes shell links and records them in the log.
 #include "install/ShellLinks.h"
 
 #include <afxwin.h>
@@ -22,7 +21,7 @@ static void StartCom()
 static void SetTarget(IShellLinkW* pLink, const wchar_t* pszTarget)
 {
     wchar_t szTarget[512];
-    CopyBounded(szTarget, 512, *pszTarget == L'"' ? pszTarget + 1 : pszTarget);
+    CopyBounded(szTarget, *pszTarget == L'"' ? pszTarget + 1 : pszTarget);
     const size_t cch = wcslen(szTarget);
     if (cch > 0 && szTarget[cch - 1] == L'"')
         szTarget[cch - 1] = 0;
@@ -35,20 +34,20 @@ HRESULT CreateShellLink(const wchar_t* pszTarget, const wchar_t* pszLinkPath, co
 {
     StartCom();
     CInterfaceOwner<IShellLinkW> link;
-    HRESULT hr = CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
-                                  reinterpret_cast<void**>(link.Receive()));
+    HRESULT hr = CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(link.Receive()));
     if (FAILED(hr))
         return hr;
     CInterfaceOwner<IPersistFile> file;
-    hr = link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(file.Receive()));
+    hr = link->QueryInterface(IID_PPV_ARGS(file.Receive()));
     if (FAILED(hr))
         return hr;
 
     SetTarget(link, pszTarget);
     if (FAILED(link->SetDescription(pszDescription)))
         AfxMessageBox(L"SetDescription failed!");
+    // The buffer is the limit: a path that is too long ends the process here, and not somewhere in the shell.
     wchar_t szLinkPath[MAX_PATH];
-    CopyBounded(szLinkPath, MAX_PATH, pszLinkPath);
+    CopyBounded(szLinkPath, pszLinkPath);
     if (nShowCommand != SW_SHOWNORMAL)
         link->SetShowCmd(nShowCommand);
     if (pszArguments != nullptr)

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <afx.h>
-#include <windows.h>
 
 // Makes the link file and appends its record to the log in the install folder. The target may stand in double quotes
 // and fills less than 512 characters; a link path of 260 characters or more ends the process. Arguments and working

@@ -15,7 +15,7 @@ const AFX_MSGMAP* PASCAL CCmdTarget::GetThisMessageMap()
     return &messageMap;
 }
 
-BOOL CCmdTarget::OnCmdMsg(UINT nID, int nCode, void*, AFX_CMDHANDLERINFO* pHandlerInfo)
+BOOL CCmdTarget::OnCmdMsg(UINT nID, int nCode, void*, AFX_CMDHANDLERINFO*)
 {
     for (const AFX_MSGMAP* pMap = GetMessageMap(); pMap; pMap = pMap->pfnGetBaseMap ? pMap->pfnGetBaseMap() : nullptr)
     {
@@ -24,10 +24,7 @@ BOOL CCmdTarget::OnCmdMsg(UINT nID, int nCode, void*, AFX_CMDHANDLERINFO* pHandl
             if (pEntry->nMessage != WM_COMMAND || pEntry->nCode != static_cast<UINT>(nCode) || nID < pEntry->nID ||
                 nID > pEntry->nLastID)
                 continue;
-            if (pHandlerInfo)
-                *pHandlerInfo = { this, pEntry->pfn };
-            else
-                (this->*pEntry->pfn)();
+            (this->*pEntry->pfn)();
             return TRUE;
         }
     }

@@ -26,8 +26,3 @@ HINSTANCE AFXAPI AfxGetResourceHandle()
 {
     return AfxGetModuleState()->m_hCurrentResourceHandle;
 }
-
-void AFXAPI AfxSetResourceHandle(HINSTANCE hInstResource)
-{
-    AfxGetModuleState()->m_hCurrentResourceHandle = hInstResource;
-}

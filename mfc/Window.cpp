@@ -154,13 +154,6 @@ LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 
 BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam)
 {
-    // Enter on the focused button of a page comes to the frame, whose dialog manager read the key.
-    const HWND hParent = lParam ? ::GetParent(reinterpret_cast<HWND>(lParam)) : nullptr;
-    if (hParent && hParent != m_hWnd && FromHandlePermanent(hParent))
-    {
-        ::SendMessageW(hParent, WM_COMMAND, wParam, lParam);
-        return TRUE;
-    }
     return OnCmdMsg(LOWORD(wParam), lParam ? HIWORD(wParam) : CN_COMMAND, nullptr, nullptr);
 }
 

@@ -25,21 +25,6 @@ void CWnd::SetDlgItemText(int nID, LPCTSTR lpszString)
     ::SetDlgItemTextW(m_hWnd, nID, lpszString);
 }
 
-LRESULT CWnd::SendDlgItemMessage(int nID, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return ::SendDlgItemMessageW(m_hWnd, nID, message, wParam, lParam);
-}
-
-void CWnd::CheckDlgButton(int nIDButton, UINT nCheck)
-{
-    ::CheckDlgButton(m_hWnd, nIDButton, nCheck);
-}
-
-UINT CWnd::IsDlgButtonChecked(int nIDButton) const
-{
-    return ::IsDlgButtonChecked(m_hWnd, nIDButton);
-}
-
 void CWnd::GetWindowText(CString& rString) const
 {
     const int nLength = GetWindowTextLength();
@@ -100,9 +85,4 @@ void CWnd::UpdateWindow()
 LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     return ::SendMessageW(m_hWnd, message, wParam, lParam);
-}
-
-BOOL CWnd::PostMessage(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return ::PostMessageW(m_hWnd, message, wParam, lParam);
 }

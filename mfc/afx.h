@@ -1,6 +1,10 @@
 // The framework's base: objects with run-time class information, exceptions and strings. Only what the program uses.
 #pragma once
 
+// The framework sets the platform's headers up, and refuses to come after them.
+#ifdef _WINDOWS_
+#error windows.h is included ahead of the framework
+#endif
 #include <windows.h>
 #include <tchar.h>
 
@@ -97,9 +101,7 @@ public:
 [[noreturn]] void AFXAPI AfxThrowResourceException();
 
 HINSTANCE AFXAPI AfxGetInstanceHandle();
-// The module that strings and dialog templates are taken from; the executable until AfxSetResourceHandle says
-// otherwise.
+// The module that strings and dialog templates are taken from: the executable, until the module state says otherwise.
 HINSTANCE AFXAPI AfxGetResourceHandle();
-void AFXAPI AfxSetResourceHandle(HINSTANCE hInstResource);
 
 #include <afxstr.h>

@@ -45,7 +45,6 @@ public:
     BOOL Lock(DWORD dwTimeOut = INFINITE);
     // True when the lock isn't held any more.
     BOOL Unlock();
-    BOOL IsLocked() const { return m_bAcquired; }
 
 private:
     CSyncObject* m_pObject;

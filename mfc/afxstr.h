@@ -3,7 +3,6 @@
 #pragma once
 
 #include <stdarg.h>
-#include <windows.h>
 
 template <typename BaseType>
 class CStringT

@@ -16,11 +16,9 @@ public:
     // Elements that come into being are zero or empty. nGrowBy is how many to make room for when the array has to
     // grow; without it the array decides.
     void SetSize(INT_PTR nNewSize, INT_PTR nGrowBy = -1);
-    void RemoveAll() { SetSize(0); }
 
     const TYPE& GetAt(INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
     TYPE& GetAt(INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
-    TYPE& ElementAt(INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
     const TYPE& operator[](INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
     TYPE& operator[](INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
     void SetAt(INT_PTR nIndex, ARG_TYPE newElement) { m_pData[Checked(nIndex)] = newElement; }
@@ -52,12 +50,13 @@ void CArray<TYPE, ARG_TYPE>::SetSize(INT_PTR nNewSize, INT_PTR nGrowBy)
     if (nNewSize > m_nMaxSize)
     {
         const INT_PTR nRoom = m_nSize + (nGrowBy > 0 ? nGrowBy : m_nSize / 2);
-        m_nMaxSize = nNewSize > nRoom ? nNewSize : nRoom;
-        TYPE* pNew = new TYPE[m_nMaxSize]();
+        const INT_PTR nMaxSize = nNewSize > nRoom ? nNewSize : nRoom;
+        TYPE* pNew = new TYPE[nMaxSize](); // where this throws, the array stays as it is
         for (INT_PTR i = 0; i < m_nSize; ++i)
             pNew[i] = static_cast<TYPE&&>(m_pData[i]);
         delete[] m_pData;
         m_pData = pNew;
+        m_nMaxSize = nMaxSize;
     }
     for (INT_PTR i = nNewSize; i < m_nSize; ++i)
         m_pData[i] = TYPE();

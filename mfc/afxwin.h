@@ -37,12 +37,7 @@ struct AFX_MSGMAP
     const AFX_MSGMAP_ENTRY* lpEntries;
 };
 
-// Who would handle a command, for callers that ask without running it.
-struct AFX_CMDHANDLERINFO
-{
-    CCmdTarget* pTarget;
-    AFX_PMSG pmf;
-};
+struct AFX_CMDHANDLERINFO; // for callers that ask for a handler without running it: none here
 
 // Ends in protected access, as in the framework.
 #define DECLARE_MESSAGE_MAP()                                                                                          \
@@ -86,8 +81,7 @@ class CCmdTarget : public CObject
     DECLARE_DYNAMIC(CCmdTarget)
 
 public:
-    // Runs the handler of a command or notification and gives TRUE, or FALSE if no map has one. With pHandlerInfo the
-    // handler is only reported.
+    // Runs the handler of a command or notification and gives TRUE, or FALSE if no map has one. pHandlerInfo is null.
     virtual BOOL OnCmdMsg(UINT nID, int nCode, void* pExtra, AFX_CMDHANDLERINFO* pHandlerInfo);
 
 protected:
@@ -192,9 +186,6 @@ public:
     CWnd* GetParent() const;
     int GetDlgItemText(int nID, CString& rString) const;
     void SetDlgItemText(int nID, LPCTSTR lpszString);
-    LRESULT SendDlgItemMessage(int nID, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-    void CheckDlgButton(int nIDButton, UINT nCheck);
-    UINT IsDlgButtonChecked(int nIDButton) const;
 
     void GetWindowText(CString& rString) const;
     int GetWindowTextLength() const;
@@ -208,7 +199,6 @@ public:
     void ScreenToClient(LPRECT lpRect) const;
     void UpdateWindow();
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-    BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
     // Moves data between controls and members through DoDataExchange: to the members if bSaveAndValidate. False if a
     // control is missing.

@@ -1,8 +1,6 @@
 // A rectangle as an object.
 #pragma once
 
-#include <windows.h>
-
 class CRect : public RECT
 {
 public:
@@ -10,8 +8,6 @@ public:
     CRect(int l, int t, int r, int b) : RECT{ l, t, r, b } {}
     CRect(const RECT& rcSrc) : RECT(rcSrc) {}
 
-    int Width() const { return right - left; }
-    int Height() const { return bottom - top; }
     operator LPRECT() { return this; }
     operator LPCRECT() const { return this; }
 };

@@ -45,7 +45,6 @@
 // Frame; its other buttons are IDOK, the step forward, and IDCANCEL
 #define IDC_SETUP_BACK 3
 #define IDC_SETUP_SIDE 1002
-#define IDC_SETUP_LINE 1003
 
 // Welcome page
 #define IDC_INTRO_VERSION 1003

@@ -18,5 +18,7 @@ endif()
 # The resource compiler doesn't tell what its source includes. Holds for the folder that calls it.
 function(depends_on_resources source)
     file(GLOB parts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*)
-    set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS "${parts}")
+    string(REPLACE "." "," commas ${PRODUCT_VERSION})
+    set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS "${parts}"
+        COMPILE_DEFINITIONS "SETUP_VERSION=${PRODUCT_VERSION};SETUP_VERSION_COMMAS=${commas}")
 endfunction()

@@ -21,9 +21,11 @@ cppcheck --quiet --error-exitcode=1 --std=c++17 --platform=win64 --language=c++ 
 echo "clang-tidy (about four minutes)"
 # The compiler of the analysis isn't the one of the build: it gets the latter's target and library headers.
 gcc_include=/usr/lib/gcc/x86_64-w64-mingw32/12-posix/include
-tidy_args=(--extra-arg=--target=x86_64-w64-windows-gnu --extra-arg=-Qunused-arguments --extra-arg=-Wno-inconsistent-missing-override
+tidy_args=(--extra-arg=--target=x86_64-w64-windows-gnu --extra-arg=-Qunused-arguments
+    --extra-arg=-Wno-inconsistent-missing-override --extra-arg=-Wno-string-concatenation
     --extra-arg=-isystem"$gcc_include/c++" --extra-arg=-isystem"$gcc_include/c++/x86_64-w64-mingw32"
     --extra-arg=-isystem/usr/x86_64-w64-mingw32/include)
-printf '%s\n' "${sources[@]}" | grep -v '^sample/' |
+# Left out is what Windows' own libraries are played with: another compiler's parser refuses to export their names.
+printf '%s\n' "${sources[@]}" | grep -vE '^(sample|tests/end-to-end/planted)/' |
     xargs -P 2 -n 6 clang-tidy --quiet -p build/release "${tidy_args[@]}" 2>build/clang-tidy.err
 echo "No findings"

@@ -1,14 +1,14 @@
-// Takes the product out of what the current user's shell has recorded for the product's image formats.
 #include "uninstall/AssociationRepair.h"
 
+#include <afx.h>
 #include <shlobj.h>
 
 #include "app/Product.h"
 #include "foundation/AssocExtensions.h"
 #include "foundation/BoundedText.h"
+#include "foundation/Owners.h"
 #include "foundation/RegistryValues.h"
 #include "foundation/SystemFacts.h"
-#include "uninstall/RegistryWalk.h"
 
 static const wchar_t kUserChoice[] = L"UserChoice";
 static const wchar_t kSavedValue[] = L"LumacapOld"; // the product keeps the association from before itself here
@@ -16,12 +16,15 @@ static const wchar_t kSavedValue[] = L"LumacapOld"; // the product keeps the ass
 // By the index of g_aAssocExts: the association to put back, before Windows Vista; empty for none.
 static wchar_t g_aSavedAssoc[kAssocExtCount][kRegistryTextCapacity];
 
+namespace
+{
 // The key below which each extension has its own, and the value there that holds its association.
 struct AssociationBase
 {
     CKeyOwner key;
     const wchar_t* pszValueName = nullptr;
 };
+} // namespace
 
 static void OpenAssociationBase(AssociationBase& base)
 {
@@ -61,7 +64,7 @@ static void Survey(const AssociationBase& base, int nIndex)
 
     const CString strAssociation = QueryRegText(extension, base.pszValueName);
     g_aAssocExts[nIndex].nFlag = PointsAtProduct(strAssociation);
-    CopyBounded(g_aSavedAssoc[nIndex], kRegistryTextCapacity,
+    CopyBounded(g_aSavedAssoc[nIndex],
                 PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation);
 }
 

@@ -1,10 +1,7 @@
-// Files in use are handed to the operating system for the next boot.
 #include "uninstall/BootList.h"
 
-#include <windows.h>
-
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
+#include "foundation/ProcessStop.h"
 
 static const wchar_t kProfileName[] = L"WININIT.INI"; // in the Windows folder
 static const wchar_t kProfileSection[] = L"rename";
@@ -17,13 +14,13 @@ static BOOL AddProfileDeletion(const wchar_t* pszPath)
 {
     wchar_t szSection[kSectionCapacity];
     szSection[0] = 0;
-    const DWORD cch = GetPrivateProfileSectionW(kProfileSection, szSection, kSectionCapacity, kProfileName);
+    const DWORD cch = GetPrivateProfileSectionW(kProfileSection, szSection, _countof(szSection), kProfileName);
 
     const size_t cchKey = wcslen(kDeletionKey);
     const size_t cchPath = wcslen(pszPath);
     const size_t nEnd = cch + cchKey + cchPath + 1;
     if (nEnd >= kSectionCapacity)
-        StopOnRangeViolation();
+        StopProcess();
     wmemcpy(szSection + cch, kDeletionKey, cchKey);
     wmemcpy(szSection + cch + cchKey, pszPath, cchPath + 1);
     szSection[nEnd] = 0;

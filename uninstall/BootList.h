@@ -1,5 +1,5 @@
-// Files in use are handed to the operating system for the next boot. The program only leaves word: it keeps no list
-// of its own and asks for no restart. Where the delayed move isn't to be had, the profile file of old takes its place.
+// Files in use are handed to the operating system for the next boot; the program keeps no list of its own. Where the
+// delayed move fails, for whatever reason, a deletion goes to the profile file that early systems worked through.
 #pragma once
 
 // Asks that a file or folder be gone after the next boot. Whether it exists isn't tested.

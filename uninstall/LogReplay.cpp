@@ -1,9 +1,7 @@
-// Takes away what a log names.
 #include "uninstall/LogReplay.h"
 
-#include <windows.h>
-
 #include "foundation/BoundedText.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "uninstall/BootList.h"
@@ -12,25 +10,16 @@ static const wchar_t* const kRemovedPrefixes[] = {
     kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
 };
 
-static bool RemoveFilesOfRecord(const wchar_t* pszLine, const wchar_t* pszPrefix, const wchar_t* pszFolder)
-{
-    if (FindRecordValue(pszLine, pszPrefix) == nullptr)
-        return false;
-    DeleteMatchingFiles(pszFolder, GetNameToRemove(pszLine, pszPrefix));
-    return true;
-}
-
+// Of the records that a removal goes by, or of those of one prefix alone.
 static void RemoveFilesOfLine(const wchar_t* pszLine, const wchar_t* pszFolder, const wchar_t* pszOnlyPrefix)
 {
-    if (pszOnlyPrefix != nullptr)
-    {
-        RemoveFilesOfRecord(pszLine, pszOnlyPrefix, pszFolder);
-        return;
-    }
     for (const wchar_t* pszPrefix : kRemovedPrefixes)
     {
-        if (RemoveFilesOfRecord(pszLine, pszPrefix, pszFolder))
-            return;
+        if (!StartsWith(pszLine, pszPrefix))
+            continue;
+        if (pszOnlyPrefix == nullptr || wcscmp(pszPrefix, pszOnlyPrefix) == 0)
+            DeleteMatchingFiles(pszFolder, GetNameToRemove(pszLine, pszPrefix));
+        return;
     }
 }
 
@@ -114,7 +103,7 @@ int DeleteMatchingFiles(const wchar_t* pszFolder, const wchar_t* pszMask)
 int CountFolderEntries(const wchar_t* pszMask, const wchar_t* pszFolder)
 {
     wchar_t szPattern[520];
-    FormatBounded(szPattern, 520, L"%s\\%s", pszFolder, pszMask);
+    FormatBounded(szPattern, L"%s\\%s", pszFolder, pszMask);
 
     WIN32_FIND_DATAW match;
     CFindOwner find(FindFirstFileW(szPattern, &match));

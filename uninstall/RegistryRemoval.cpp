@@ -1,11 +1,13 @@
-// Takes the product out of the registry.
 #include "uninstall/RegistryRemoval.h"
 
 #include "app/Product.h"
 #include "foundation/BoundedText.h"
 #include "foundation/SystemFacts.h"
-#include "uninstall/RegistryWalk.h"
+#include "uninstall/RegistryTree.h"
+#include "uninstall/UserHives.h"
 
+namespace
+{
 enum RemovalAction
 {
     REMOVE_TREE,         // the key with all below it
@@ -23,29 +25,37 @@ struct Removal
     const wchar_t* pszName; // the child or the value
     REGSAM samView = 0;     // a registry view to add to the access
 };
-
-static void RemoveBelowKey(const Removal& removal)
-{
-    CKeyOwner key;
-    if (RegOpenKeyExW(removal.hRoot, removal.pszKey, 0, KEY_ALL_ACCESS | removal.samView, key.Receive()) !=
-        ERROR_SUCCESS)
-        return;
-    if (removal.action == REMOVE_CHILD_KEY)
-        RegDeleteKeyW(key, removal.pszName);
-    else if (removal.action == REMOVE_CHILD_TREE)
-        DeleteRegTree(key, removal.pszName);
-    else
-        RegDeleteValueW(key, removal.pszName);
-}
+} // namespace
 
 static void Remove(const Removal& removal)
 {
-    if (removal.action == REMOVE_TREE)
+    CKeyOwner key;
+    const auto isKeyOpen = [&]
+    {
+        return RegOpenKeyExW(removal.hRoot, removal.pszKey, 0, KEY_ALL_ACCESS | removal.samView, key.Receive()) ==
+               ERROR_SUCCESS;
+    };
+    switch (removal.action)
+    {
+    case REMOVE_TREE:
         DeleteRegTree(removal.hRoot, removal.pszKey);
-    else if (removal.action == REMOVE_IF_CHILDLESS)
+        break;
+    case REMOVE_IF_CHILDLESS:
         DeleteRegKeyIfChildless(removal.hRoot, removal.pszKey);
-    else
-        RemoveBelowKey(removal);
+        break;
+    case REMOVE_CHILD_KEY:
+        if (isKeyOpen())
+            RegDeleteKeyW(key, removal.pszName);
+        break;
+    case REMOVE_CHILD_TREE:
+        if (isKeyOpen())
+            DeleteRegTree(key, removal.pszName);
+        break;
+    case REMOVE_VALUE:
+        if (isKeyOpen())
+            RegDeleteValueW(key, removal.pszName);
+        break;
+    }
 }
 
 void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct, const wchar_t* pszUninstallKey,
@@ -54,10 +64,9 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
     wchar_t szProduct[kRegistryTextCapacity];
     wchar_t szCompany[kRegistryTextCapacity];
     wchar_t szApplication[kRegistryTextCapacity];
-    FormatBounded(szProduct, kRegistryTextCapacity, L"SOFTWARE\\%s\\%s", pszCompany, pszProduct);
-    FormatBounded(szCompany, kRegistryTextCapacity, L"SOFTWARE\\%s", pszCompany);
-    FormatBounded(szApplication, kRegistryTextCapacity, L"SOFTWARE\\Classes\\Applications\\%s", pszExeName);
-    static const wchar_t kHosts[] = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
+    FormatBounded(szProduct, L"SOFTWARE\\%s\\%s", pszCompany, pszProduct);
+    FormatBounded(szCompany, L"SOFTWARE\\%s", pszCompany);
+    FormatBounded(szApplication, L"SOFTWARE\\Classes\\Applications\\%s", pszExeName);
     const REGSAM samHosts = IsWow64() ? KEY_WOW64_64KEY : 0;
 
     // The company's key can go only once the product's has gone.
@@ -80,13 +89,13 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
         });
 
     const Removal kSystemEntries[] = {
-        { HKEY_CLASSES_ROOT, L"LC8.Document", REMOVE_TREE, nullptr },
+        { HKEY_CLASSES_ROOT, kDocumentClass, REMOVE_TREE, nullptr },
         { HKEY_CLASSES_ROOT, kProductClass, REMOVE_TREE, nullptr },
         { HKEY_LOCAL_MACHINE, kUninstallListKey, REMOVE_CHILD_KEY, pszUninstallKey },
         { HKEY_LOCAL_MACHINE, kAppPathsListKey, REMOVE_CHILD_TREE, pszExeName },
         { HKEY_LOCAL_MACHINE, kRegisteredApplicationsKey, REMOVE_VALUE, kProductClass },
-        { HKEY_LOCAL_MACHINE, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
-        { HKEY_CURRENT_USER, kHosts, REMOVE_CHILD_TREE, L"capff", samHosts },
+        { HKEY_LOCAL_MACHINE, kMessagingHostsKey, REMOVE_CHILD_TREE, kMessagingHost, samHosts },
+        { HKEY_CURRENT_USER, kMessagingHostsKey, REMOVE_CHILD_TREE, kMessagingHost, samHosts },
     };
     for (const Removal& removal : kSystemEntries)
         Remove(removal);

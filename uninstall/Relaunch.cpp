@@ -1,15 +1,14 @@
-// The two stages of a removal.
 #include "uninstall/Relaunch.h"
 
+#include <afxwin.h>
 #include <process.h>
 #include <stdlib.h>
-#include <windows.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
-#include "foundation/FolderPaths.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/ProcessLaunch.h"
+#include "foundation/StringTable.h"
 #include "foundation/SystemFacts.h"
 #include "res/resource.h"
 #include "uninstall/BootList.h"
@@ -17,13 +16,13 @@
 
 const DWORD kFirstStageExitMs = 1000; // the only hand-shake between the two stages
 
-static CString CopyToTemp(const wchar_t* pszModule)
+// The file is made, and stands empty.
+static CString MakeTempFile()
 {
     wchar_t szTempFolder[MAX_PATH] = L"";
     wchar_t szCopy[MAX_PATH] = L"";
-    GetTempPathW(MAX_PATH, szTempFolder);
+    GetTempPathW(_countof(szTempFolder), szTempFolder);
     GetTempFileNameW(szTempFolder, L"uni", 0, szCopy);
-    CopyFileW(pszModule, szCopy, FALSE);
     return szCopy;
 }
 
@@ -35,8 +34,9 @@ static CString QuoteIfBlank(const CString& strPath)
 
 void RelaunchFromTemp()
 {
+    const CString strCopy = MakeTempFile();
     const CString strModule = GetModulePath();
-    const CString strCopy = CopyToTemp(strModule);
+    CopyFileW(strModule, strCopy, FALSE);
     const CString strProgram = QuoteIfBlank(strCopy);
     const CString strUninstaller = QuoteIfBlank(strModule);
     const wchar_t* pszSilent = g_nSilent != SILENT_OFF ? L"-s" : nullptr;
@@ -55,9 +55,8 @@ static CString GetDriveAndFolder(const wchar_t* pszPath)
 
 static void UnregisterThumbnailHandler(const CString& strFolder)
 {
-    const CString strLibrary = IsNT6OrLater() ? strFolder + kThumbnailDll : CString();
-    if (!strLibrary.IsEmpty())
-        RunAndWait(L"regsvr32.exe /s /u \"" + strLibrary + L"\"", strFolder, kBoundedWaitMs);
+    if (IsNT6OrLater())
+        RunAndWait(L"regsvr32.exe /s /u \"" + strFolder + kThumbnailDll + L"\"", strFolder, kBoundedWaitMs);
 }
 
 void FinishUninstall(const wchar_t* pszUninstaller)

@@ -1,17 +1,18 @@
-// The fixed sequence that takes the product off the machine.
 #include "uninstall/UninstallDriver.h"
 
+#include <afx.h>
 #include <shlobj.h>
+#include <initializer_list>
 
 #include "app/Product.h"
-#include "foundation/FolderPaths.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/SystemFacts.h"
 #include "uninstall/AssociationRepair.h"
 #include "uninstall/BootList.h"
 #include "uninstall/LogReplay.h"
 #include "uninstall/RegistryRemoval.h"
-#include "uninstall/RegistryWalk.h"
+#include "uninstall/UserHives.h"
 
 static void LetProductUnregister(const CString& strFolder)
 {
@@ -73,16 +74,21 @@ static void DeleteGroup(const CString& strPrograms)
     RemoveDirectoryW(strGroup);
 }
 
+static bool IsFolderPath(const CString& strFolder)
+{
+    return strFolder.GetLength() > kTooShortFolder;
+}
+
 static void SweepMachineFolders()
 {
-    const CString strStartup = GetSpecialFolder(CSIDL_COMMON_STARTUP);
-    if (strStartup.GetLength() > kTooShortFolder)
-        DeleteLink(strStartup);
-    const CString strDesktop = GetSpecialFolder(CSIDL_COMMON_DESKTOPDIRECTORY);
-    if (strDesktop.GetLength() > kTooShortFolder)
-        DeleteLink(strDesktop);
+    for (const int nFolder : { CSIDL_COMMON_STARTUP, CSIDL_COMMON_DESKTOPDIRECTORY })
+    {
+        const CString strFolder = GetSpecialFolder(nFolder);
+        if (IsFolderPath(strFolder))
+            DeleteLink(strFolder);
+    }
     const CString strPrograms = GetSpecialFolder(CSIDL_COMMON_PROGRAMS);
-    if (strPrograms.GetLength() > kTooShortFolder)
+    if (IsFolderPath(strPrograms))
         DeleteGroup(strPrograms);
 }
 
@@ -91,13 +97,12 @@ static void SweepUserFolders(HKEY hUser)
     CKeyOwner folders;
     if (RegOpenKeyExW(hUser, kShellFoldersKey, 0, KEY_ALL_ACCESS, folders.Receive()) != ERROR_SUCCESS)
         return;
-
-    const CString strStartup = QueryRegText(folders, L"Startup");
-    if (!strStartup.IsEmpty())
-        DeleteLink(strStartup);
-    const CString strDesktop = QueryRegText(folders, L"Desktop");
-    if (!strDesktop.IsEmpty())
-        DeleteLink(strDesktop);
+    for (const wchar_t* pszFolder : { L"Startup", L"Desktop" })
+    {
+        const CString strFolder = QueryRegText(folders, pszFolder);
+        if (!strFolder.IsEmpty())
+            DeleteLink(strFolder);
+    }
     const CString strPrograms = QueryRegText(folders, L"Programs");
     folders.Close();
     if (!strPrograms.IsEmpty())

@@ -1,4 +1,3 @@
-// The page that shows the agreement.
 #include "wizard/AgreementDlg.h"
 
 #include <stdio.h>

@@ -1,16 +1,16 @@
-// The page of the install kind and the target folder.
 #include "wizard/FolderDlg.h"
 
 #include <shlobj.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
+#include "foundation/StringTable.h"
 #include "res/resource.h"
 #include "uninstall/LogReplay.h"
 
-bool g_bPortableChosen; // a portable folder was chosen by Browse during this visit of the page
+bool g_bPortableChosen;
 
 BEGIN_MESSAGE_MAP(CFolderDlg, CDialog)
 ON_BN_CLICKED(IDC_FOLDER_BROWSE, &CFolderDlg::OnBrowse)
@@ -140,7 +140,7 @@ void CFolderDlg::TakeFolder(CString strFolder)
     }
     if (WantsProductFolder(strFolder, m_nKind))
     {
-        if (strFolder.Right(1) != L"\\")
+        if (!EndsWith(strFolder, L'\\'))
             strFolder += L'\\';
         strFolder += kProductName;
     }

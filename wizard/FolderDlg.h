@@ -4,6 +4,8 @@
 
 #include <afxwin.h>
 
+extern bool g_bPortableChosen; // a portable folder was chosen by Browse during this visit of the page
+
 class CFolderDlg : public CDialog
 {
 public:

@@ -1,4 +1,3 @@
-// The page of the program group.
 #include "wizard/GroupDlg.h"
 
 #include <shlobj.h>

@@ -1,10 +1,9 @@
-// The welcome page.
 #include "wizard/IntoDlg.h"
 
 #include <time.h>
 
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
+#include "foundation/StringTable.h"
 #include "res/resource.h"
 
 BEGIN_MESSAGE_MAP(CIntoDlg, CDialog)

@@ -1,9 +1,8 @@
-// The wizard's frame.
 #include "wizard/SetupDlg.h"
 
 #include "app/RunState.h"
-#include "foundation/BoundedText.h"
 #include "foundation/FolderPaths.h"
+#include "foundation/StringTable.h"
 #include "install/InstallDriver.h"
 #include "res/resource.h"
 #include "wizard/AgreementDlg.h"
@@ -12,17 +11,6 @@
 #include "wizard/IntoDlg.h"
 #include "wizard/StartDlg.h"
 #include "wizard/WelcomePage.h"
-
-enum PageNumber
-{
-    PAGE_NONE = -1,
-    PAGE_INTRO = 0,
-    PAGE_AGREEMENT = 1,
-    PAGE_FOLDER = 2,
-    PAGE_GROUP = 3,
-    PAGE_READY = 4,
-    PAGE_INSTALL = 5,
-};
 
 const int kPageGap = 4; // pixels between the side picture and the page
 
@@ -60,7 +48,31 @@ BOOL CSetupDlg::OnInitDialog()
     m_cancel.GetWindowText(g_strCancelText);
     SetWindowText(LoadResString(IDS_SETUP_CAPTION));
     OnOK();
+    ShowIcon();
     return FALSE; // the step forward has set the focus
+}
+
+// For the caption's menu, the taskbar and the list of windows.
+void CSetupDlg::ShowIcon()
+{
+    const auto show = [this](int nType, int nWidth, int nHeight)
+    {
+        const HANDLE hIcon = LoadImageW(AfxGetResourceHandle(), MAKEINTRESOURCEW(IDI_SETUP), IMAGE_ICON,
+                                        GetSystemMetrics(nWidth), GetSystemMetrics(nHeight), LR_SHARED);
+        SendMessage(WM_SETICON, nType, reinterpret_cast<LPARAM>(hIcon));
+    };
+    show(ICON_BIG, SM_CXICON, SM_CYICON);
+    show(ICON_SMALL, SM_CXSMICON, SM_CYSMICON);
+}
+
+// Enter on a page's focused button comes here, since it is the frame's dialog manager that reads the key.
+BOOL CSetupDlg::OnCommand(WPARAM wParam, LPARAM lParam)
+{
+    const HWND hControl = reinterpret_cast<HWND>(lParam);
+    if (hControl == nullptr || m_pPage == nullptr || ::GetParent(hControl) != m_pPage->GetSafeHwnd())
+        return CDialog::OnCommand(wParam, lParam);
+    m_pPage->SendMessage(WM_COMMAND, wParam, lParam);
+    return TRUE;
 }
 
 // The page's own DestroyWindow is its veto. True if there is no page left to leave.
@@ -220,7 +232,8 @@ void CSetupDlg::EndWizard()
     CDialog::OnOK();
 }
 
-// A veto of the page leaves the lowered number standing, and the next step forward goes on from there. That is settled.
+// A veto of the page leaves the lowered number standing, and the next step forward goes on from there: it leads one
+// page further back. That looks like a slip and stays, since the wizard has always moved so.
 void CSetupDlg::OnBack()
 {
     m_nPage -= 2;

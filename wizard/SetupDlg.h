@@ -4,10 +4,22 @@
 
 #include <afxwin.h>
 
+// The wizard's pages, in their order.
+enum PageNumber
+{
+    PAGE_NONE = -1,
+    PAGE_INTRO = 0,
+    PAGE_AGREEMENT = 1,
+    PAGE_FOLDER = 2,
+    PAGE_GROUP = 3,
+    PAGE_READY = 4,
+    PAGE_INSTALL = 5,
+};
+
 class CSetupDlg : public CDialog
 {
 public:
-    // With m_nPage set to 4 before DoModal, the frame opens on its report, with no earlier page.
+    // With m_nPage set to PAGE_READY before DoModal, the frame opens on its report, with no earlier page.
     CSetupDlg();
     virtual ~CSetupDlg() {}
 
@@ -15,6 +27,7 @@ protected:
     DECLARE_MESSAGE_MAP()
     virtual void DoDataExchange(CDataExchange* pDX) override;
     virtual BOOL OnInitDialog() override;
+    virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     virtual void OnOK() override;
     virtual void OnCancel() override;
 
@@ -30,6 +43,7 @@ private:
     void ShowReport();
     void PlacePage();
     void EndWizard();
+    void ShowIcon();
 
     CButton m_cancel;
     CStatic m_side;
@@ -37,7 +51,7 @@ private:
     CButton m_next;
 
 public:
-    int m_nPage; // number of the current page; -1 before the first one
+    int m_nPage; // the current page
 
 private:
     CDialog* m_pPage; // the page that is shown. The last one isn't deleted: its window goes with the frame's

@@ -1,4 +1,3 @@
-// The ready page.
 #include "wizard/StartDlg.h"
 
 BEGIN_MESSAGE_MAP(CStartDlg, CDialog)

@@ -1,15 +1,12 @@
-// The web page that greets the user after a first install or an upgrade.
 #include "wizard/WelcomePage.h"
 
+#include <afx.h>
 #include <stdio.h>
-#include <windows.h>
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/InstallLog.h"
+#include "foundation/FolderPaths.h"
 #include "foundation/Owners.h"
-
-const int kLineCapacity = 260; // characters, the terminator included
 
 // The last two characters of the update address are a language code, unless one of them is a digit.
 static void AddLanguage(const wchar_t* pszLine, CString& strQuery)
@@ -23,13 +20,13 @@ static void AddLanguage(const wchar_t* pszLine, CString& strQuery)
 
 static void ReadQueryLine(const CString& strLine, CString& strQuery)
 {
-    if (FindRecordValue(strLine, L"URL=http://") != nullptr)
+    if (StartsWith(strLine, L"URL=http://"))
     {
         const int nQuery = strLine.Find(L'?');
         if (nQuery >= 0)
             strQuery = strLine.Mid(nQuery);
     }
-    else if (FindRecordValue(strLine, L"Update=http://") != nullptr)
+    else if (StartsWith(strLine, L"Update=http://"))
     {
         AddLanguage(strLine, strQuery);
     }
@@ -42,8 +39,8 @@ static CString ReadQuery()
     if (!file.IsOpen())
         return strQuery;
 
-    wchar_t szLine[kLineCapacity];
-    while (fgetws(szLine, kLineCapacity, file) != nullptr)
+    wchar_t szLine[260];
+    while (fgetws(szLine, _countof(szLine), file) != nullptr)
     {
         CString strLine(szLine);
         strLine.Trim();

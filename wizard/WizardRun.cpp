@@ -1,18 +1,13 @@
-// The wizard as the install run sees it.
 #include "wizard/WizardRun.h"
 
-#include "app/RunState.h"
 #include "wizard/SetupDlg.h"
-
-// The frame's number of the page before the report.
-const int kPageBeforeReport = 4;
 
 // The framework clears the main window when the dialog's window goes; a dialog that never had one leaves that to us.
 static INT_PTR Open(CSetupDlg& dialog)
 {
-    theApp.m_pMainWnd = &dialog;
+    AfxGetApp()->m_pMainWnd = &dialog;
     const INT_PTR nResult = dialog.DoModal();
-    theApp.m_pMainWnd = nullptr;
+    AfxGetApp()->m_pMainWnd = nullptr;
     return nResult;
 }
 
@@ -25,6 +20,6 @@ bool ShowWizard()
 void ShowReportPage()
 {
     CSetupDlg dialog;
-    dialog.m_nPage = kPageBeforeReport;
+    dialog.m_nPage = PAGE_READY; // the step forward leads to the report
     Open(dialog);
 }

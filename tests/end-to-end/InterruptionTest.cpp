@@ -1,6 +1,7 @@
 // Installs, removals and upgrades that are ended in their midst, as by a task manager or the end of a session: in a
 // process of its own, which ends just before one of its changes to the machine; a copy that it comes to leaves half a
 // file. What makes up for it runs in this process. Programs that a run starts aren't.
+#include <afxwin.h>
 #include <shlobj.h>
 
 #include <algorithm>

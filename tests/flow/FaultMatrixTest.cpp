@@ -1,6 +1,7 @@
 // Every platform call that the flows make fails once, at its first use, and then at every use: each run goes to its end
 // with the result, the acts and the boxes that it should have, and nothing that isn't the product's suffers. The runs
 // follow each other in one process of their own, and in a new one behind each that breaks it.
+#include <afxwin.h>
 #include <shlobj.h>
 
 #include <regex>

@@ -4,7 +4,7 @@
 // program calls have, in the order of their declaration.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <functional>
 #include <map>

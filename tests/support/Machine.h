@@ -2,7 +2,7 @@
 // thrown away after the run, so nothing is put back. A helper that can't do its work tells of a failure.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <string>
 #include <vector>

@@ -1,7 +1,6 @@
 // Start of the test program. The tests change the machine that they run on, so nothing runs on one that isn't said to
 // be a throwaway machine.
 #include <afxwin.h>
-#include <windows.h>
 
 #include <gtest/gtest.h>
 

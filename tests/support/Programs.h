@@ -1,7 +1,7 @@
 // Starts programs as a user or a script does and waits for them with a bound. Ends only what it started.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <functional>
 #include <string>

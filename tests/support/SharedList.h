@@ -2,7 +2,7 @@
 // platform calls.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <string.h>
 

@@ -2,7 +2,7 @@
 // with a time limit, clicks and keys are posted: what hangs fails the test instead of holding it.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
 #include <string>
 

@@ -5,6 +5,8 @@
 #include <afxwin.h>
 #include <gtest/gtest.h>
 
+#include "app/InstanceManager.h"
+#include "app/SetupApp.h"
 #include "tests/support/Machine.h"
 
 // An empty folder; the system's folders moved into it ("all\\Desktop", "all\\Programs\\Startup", "user\\Desktop", ...,

@@ -1,6 +1,7 @@
 // What the flows stand on, and the utilities beside it: values, facts of the machine, starts of programs, texts, paths.
 #include "app/RunState.h"
 #include "foundation/BoundedText.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/RegistryValues.h"

@@ -25,12 +25,7 @@ protected:
                    [](CALL& call) { return *reinterpret_cast<DWORD*>(call.args[1]) = Owner(call); });
         m_calls.On("SetForegroundWindow", [this](CALL& call) { return Note(call, 1); });
         m_calls.On("ShowWindow", [this](CALL& call) { return Note(call, 2); });
-        m_calls.On("PostMessageW",
-                   [this](CALL& call)
-                   {
-                       m_strActs += ReleaseMutex(m_mutex) && WaitForSingleObject(m_mutex, 0) == 0 ? "+" : "";
-                       return Note(call, 4);
-                   });
+        m_calls.On("PostMessageW", [this](CALL& call) { return Note(call, 4); });
     }
 
     static DWORD Owner(const CALL& call)
@@ -42,6 +37,7 @@ protected:
 
     BOOL Note(const CALL& call, int nArguments)
     {
+        m_strActs += ReleaseMutex(m_mutex) && WaitForSingleObject(m_mutex, 0) == 0 ? "+" : "";
         m_strActs += std::to_string(Owner(call));
         for (int i = 1; i < nArguments; i++)
             m_strActs += ":" + std::to_string(call.args[i]);
@@ -142,10 +138,10 @@ TEST_F(InstanceManager, AboveTheLimitAnotherComesToTheFront)
         list.Set(ids, nLimit);
         return Acts(manager.ActivateOtherInstance(bShow));
     };
-    EXPECT_EQ(activate({ 1, 3 }, 1), "1 = 1");
+    EXPECT_EQ(activate({ 1, 3 }, 1), "+1 = 1");
     EXPECT_EQ(activate({ 1, 3 }, 1, false), "= 1");
     EXPECT_EQ(activate({ 1, 3 }, 2), "= 0");
-    EXPECT_EQ(activate({ 9, 5 }, 1), "5 5:9 = 1");
+    EXPECT_EQ(activate({ 9, 5 }, 1), "+5 +5:9 = 1");
     EXPECT_EQ(activate({ 6, 3 }, 1), "= 1");
 }
 

@@ -2,7 +2,7 @@
 #include "tools/pkgcheck/CheckedList.h"
 
 #include <string>
-#include <windows.h>
+#include <afx.h>
 
 #include "foundation/InstallLog.h"
 

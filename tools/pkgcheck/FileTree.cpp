@@ -1,7 +1,7 @@
 // The files and folders of a planned machine.
 #include "tools/pkgcheck/FileTree.h"
 
-#include <windows.h>
+#include <afx.h>
 
 #include "foundation/FolderPaths.h"
 

@@ -1,7 +1,7 @@
 // pkgcheck: tells what the setup would silently do wrong with a package, and what an install of it would create. It
 // reads the package and nothing else, and writes nothing.
 #include <string.h>
-#include <windows.h>
+#include <afx.h>
 
 #include "app/Product.h"
 #include "foundation/FolderPaths.h"

@@ -3,7 +3,7 @@
 
 #include <io.h>
 #include <string>
-#include <windows.h>
+#include <afx.h>
 
 // The runtime's wide output would end at the first character that the C locale lacks.
 static std::string ToUtf8(const CString& strText)

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/Product.h"
+#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 

@@ -1,6 +1,6 @@
 // A careless program: it loads libraries by their bare names, which it is given, and so takes those beside it, and asks
 // them for a version. Without a name it is innocent, and loads just what the platform needs for any windowed program.
-#include <windows.h>
+#include <afx.h>
 
 #include <stdlib.h>
 

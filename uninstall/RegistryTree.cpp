@@ -1,5 +1,7 @@
-// Registry keys as trees.
-#include "uninstall/RegistryWalk.h"
+#include "uninstall/RegistryTree.h"
+
+#include "foundation/Owners.h"
+#include "foundation/RegistryValues.h"
 
 int DeleteRegTree(HKEY hRoot, const wchar_t* pszSubkey)
 {
@@ -9,7 +11,7 @@ int DeleteRegTree(HKEY hRoot, const wchar_t* pszSubkey)
         wchar_t szChild[kRegistryTextCapacity];
         // A deleted child hands its index on to the next one; a child that stays is stepped over.
         DWORD nIndex = 0;
-        while (RegEnumKeyW(key, nIndex, szChild, kRegistryTextCapacity) == ERROR_SUCCESS)
+        while (RegEnumKeyW(key, nIndex, szChild, _countof(szChild)) == ERROR_SUCCESS)
         {
             if (!DeleteRegTree(key, szChild))
                 ++nIndex;
@@ -19,23 +21,22 @@ int DeleteRegTree(HKEY hRoot, const wchar_t* pszSubkey)
     return RegDeleteKeyW(hRoot, pszSubkey) == ERROR_SUCCESS;
 }
 
+static DWORD CountSubkeys(HKEY hKey)
+{
+    wchar_t szChild[kRegistryTextCapacity];
+    DWORD nChildren = 0;
+    while (RegEnumKeyW(hKey, nChildren, szChild, _countof(szChild)) == ERROR_SUCCESS)
+        ++nChildren;
+    return nChildren;
+}
+
 void DeleteRegKeyIfChildless(HKEY hRoot, const wchar_t* pszSubkey)
 {
     CKeyOwner key;
     if (RegOpenKeyExW(hRoot, pszSubkey, 0, KEY_ALL_ACCESS, key.Receive()) != ERROR_SUCCESS)
         return;
-    wchar_t szChild[kRegistryTextCapacity];
-    const bool bChildless = RegEnumKeyW(key, 0, szChild, kRegistryTextCapacity) != ERROR_SUCCESS;
+    const bool bChildless = CountSubkeys(key) == 0;
     key.Close();
     if (bChildless)
         RegDeleteKeyW(hRoot, pszSubkey);
-}
-
-CString QueryRegText(HKEY hKey, const wchar_t* pszValueName)
-{
-    wchar_t szText[kRegistryTextCapacity] = L"";
-    DWORD cb = sizeof szText;
-    const LSTATUS status = RegQueryValueExW(hKey, pszValueName, nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cb);
-    szText[kRegistryTextCapacity - 1] = 0;
-    return status == ERROR_SUCCESS ? CString(szText) : CString();
 }

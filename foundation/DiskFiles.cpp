@@ -1,0 +1,34 @@
+#include "foundation/DiskFiles.h"
+
+#include <io.h>
+
+bool PathExists(const wchar_t* pszPath)
+{
+    return _waccess(pszPath, 0) == 0;
+}
+
+bool DeleteProtectedFile(const wchar_t* pszPath)
+{
+    // Attributes that hold neither bit aren't written back: nothing that can be seen would differ, and under Wine the
+    // write takes half of a deletion's time, measured over the removal of 2,000 files by `make bench`.
+    const DWORD dwProtection = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+    const DWORD dwAttributes = GetFileAttributesW(pszPath);
+    if (dwAttributes & dwProtection)
+        SetFileAttributesW(pszPath, dwAttributes & ~dwProtection);
+    return DeleteFileW(pszPath) != FALSE;
+}
+
+CString GetModulePath()
+{
+    CString strPath;
+    GetModuleFileNameW(nullptr, strPath.GetBuffer(MAX_PATH), MAX_PATH);
+    strPath.ReleaseBuffer();
+    return strPath;
+}
+
+void CreateFoldersAbove(const wchar_t* pszPath, int nFirst)
+{
+    const CString strPath(pszPath);
+    for (int i = strPath.Find(L'\\', nFirst); i >= 0; i = strPath.Find(L'\\', i + 1))
+        CreateDirectoryW(strPath.Left(i), nullptr);
+}
