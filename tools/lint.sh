@@ -10,6 +10,12 @@ mapfile -t headers < <(git ls-files -- "${folders[@]/%//*.h}")
 echo "Format of ${#sources[@]} sources and ${#headers[@]} headers"
 clang-format --dry-run --Werror "${sources[@]}" "${headers[@]}"
 
+echo "Suites without an entry"
+for test in tests/*/*Test.cpp; do
+    name=$(basename "$test" Test.cpp)
+    if grep -nHE '^TEST(_F)?\(' "$test" | grep -v "($name,"; then exit 1; fi
+done
+
 echo "Compiler warnings as errors"
 tools/build.sh release >/dev/null
 

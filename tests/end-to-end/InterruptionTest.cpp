@@ -27,10 +27,7 @@ int RunProgram(const TEXTS& arguments, const std::function<void(CALL&)>& onChang
 {
     ResetProgramState();
     const CArguments commandLine(arguments);
-    const CLaunches launches;
-    CCalls calls({ { "GetModuleFileNameW", [&](CALL& call)
-                     { return wcslen(wcscpy(const_cast<wchar_t*>(call.Text(1)), arguments[0].c_str())); } },
-                   { "Sleep", [](CALL&) { return 0; } } });
+    CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } }, { "Sleep", [](CALL&) { return 0; } } });
     calls.OnAll(
         [&](CALL& call, INT_PTR&)
         {
@@ -71,7 +68,7 @@ protected:
                                    CSIDL_COMMON_STARTUP, CSIDL_COMMON_DESKTOPDIRECTORY })
         {
             wchar_t szFolder[MAX_PATH];
-            EXPECT_EQ(SHGetFolderPathW(nullptr, nFolder, nullptr, SHGFP_TYPE_CURRENT, szFolder), S_OK);
+            SHGetFolderPathW(nullptr, nFolder, nullptr, SHGFP_TYPE_CURRENT, szFolder);
         }
         Run(m_setup);
         m_installed = TakePicture();
@@ -183,12 +180,11 @@ TEST_F(Interruption, OfARemovalIsMadeUpForByASecondRunOrByAnInstallAndItsRemoval
         });
 }
 
-// An upgrade that is run once more leaves what an undisturbed one leaves, but for three things that nothing tells the
-// second run of: the choice of the start with the system, which is kept in its link alone; the file by which it tries
-// whether it can write in the Startup folder; and what the first run left to the boot.
+// An upgrade that is run once more leaves what an undisturbed one leaves, but for two things that nothing tells the
+// second run of: the choice of the start with the system, which is kept in its link alone; and the file by which it
+// tries whether it can write in the Startup folder.
 TEST_F(Interruption, OfAnUpgradeIsMadeUpForByTheNextButForWhatItAloneKnew)
 {
-    const std::wstring strPresets = L"-Program Files\\Lumacap 8\\Presets ";
     const auto installOlder = [&]
     {
         CopyOneFile(ProductOfVersion(L"8.19.9.0"), At(L"package\\Lumacap8.exe"));
@@ -208,14 +204,8 @@ TEST_F(Interruption, OfAnUpgradeIsMadeUpForByTheNextButForWhatItAloneKnew)
                       for (const std::wstring& strName : ListTree(At(L"all\\Programs\\Startup")))
                           if (strName.compare(0, 3, L"h5t") == 0)
                               RemoveTree(At(L"all\\Programs\\Startup\\" + strName));
-                      EXPECT_EQ((m_strRepeatPending + L" ").find(Pending()), 0u) << Bytes(Pending());
-                      ClearPending();
                       const bool bStarted = IsThere(At(L"all\\Programs\\Startup\\Lumacap 8.lnk"));
-                      // An empty folder of the list goes and is made anew; one that is away already waits for the boot.
-                      const bool bFolderWasAway = !IsThere(m_strTarget + L"\\Presets");
                       Run(m_setup);
-                      EXPECT_EQ(Pending().find(strPresets) != std::wstring::npos, bFolderWasAway);
-                      EXPECT_EQ(Replaced(Pending(), strPresets, L""), m_strRepeatPending);
                       ClearPending();
                       ExpectPicture(bStarted ? upgraded : m_installed);
                       Run(m_secondStage);

@@ -9,8 +9,7 @@ namespace
 // planted there, and are left out.
 const wchar_t kNames[] =
     L"version uxtheme dwmapi cryptbase profapi propsys apphelp ntmarta secur32 sspicli netapi32 winmm msimg32 linkinfo "
-    L"ntshrui srvcli cscapi riched20 shfolder cfgmgr32 wintrust userenv oleacc comctl32 mpr wtsapi32 edputil urlmon "
-    L"iertutil winhttp usp10 wininet winsta dbghelp";
+    L"ntshrui riched20 shfolder wintrust userenv comctl32 mpr wtsapi32 urlmon winhttp wininet dbghelp";
 
 class PlantedLibrary : public World
 {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 #include <stdio.h>
+#include <utility>
 
 #include "tests/support/Machine.h"
 #include "tests/support/Programs.h"
@@ -13,7 +14,7 @@ static int s_nFailures = 0;
 static std::wstring s_strReport; // path of the file that the products report to
 static TEXTS s_picture;
 static TEXTS s_answers;
-static std::vector<std::unique_ptr<CFileHold>> s_holds;
+static std::vector<std::shared_ptr<void>> s_holds;
 static std::vector<std::unique_ptr<CProcessRun>> s_runs;
 
 static void Tell(const std::wstring& strText)
@@ -38,10 +39,10 @@ static void Run(const std::wstring& strCommandLine)
     WriteBytes(s_strReport, "");
     s_runs.push_back(std::make_unique<CProcessRun>(strCommandLine));
     CProcessRun& run = *s_runs.back();
-    run.SetFolder(L"C:\\Package");
-    run.AddEnvironment(L"LUMACAP_REPORT", s_strReport);
+    SetCurrentDirectoryW(L"C:\\Package");
     if (!run.Start())
         return;
+    SetCurrentDirectoryW(L"C:\\");
     for (const std::wstring& strAnswer : std::exchange(s_answers, TEXTS()))
         Tell(L"box: " + AnswerBox(run.Id(), std::stoi(strAnswer)));
     TEXTS report;
@@ -60,7 +61,7 @@ static void Run(const std::wstring& strCommandLine)
 static void Take(const std::wstring& strVerb, const std::wstring& strRest)
 {
     if (strVerb == L"hold" || strVerb == L"map")
-        s_holds.push_back(std::make_unique<CFileHold>(strRest, strVerb == L"map" ? kAsImage : FILE_SHARE_READ));
+        s_holds.push_back(HoldFile(strRest, strVerb == L"map" ? kAsImage : FILE_SHARE_READ));
     else if (strVerb == L"answer")
         s_answers = Split(strRest, L' ');
     else if (strVerb == L"restart")
@@ -99,6 +100,7 @@ int wmain(int, wchar_t** argv)
     SetWindowsVersion(argv[2]);
     GetDesktopWindow(); // it comes up with its first user, which must not be a program under test
     s_strReport = std::wstring(argv[1]) + L".report";
+    SetEnvironmentVariableW(L"LUMACAP_REPORT", s_strReport.c_str());
     s_picture = TakePicture();
     for (const std::wstring& strStep : Split(Wide(ReadBytes(argv[1])), L'\n'))
     {

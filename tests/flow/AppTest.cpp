@@ -31,8 +31,6 @@ protected:
         const CArguments arguments(Split(pszCommandLine, L' '));
         m_strActs.clear();
         const CCalls calls({
-            { "GetModuleFileNameW",
-              [](CALL& call) { return wsprintfW(reinterpret_cast<wchar_t*>(call.args[1]), L"%s", __wargv[0]); } },
             // Owner, beginning, caption and style
             { "MessageBoxW", Telling(L"%d %.9s %s %d, ", nAnswer) },
             // A window's number is also that of its process.
@@ -116,7 +114,7 @@ TEST_F(App, SwitchesAndPathDecideWhatIsAskedClosedAndDone)
     const DWORD nFirst = HandleToUlong(windows[0]);
     const DWORD nSecond = HandleToUlong(windows[1]);
     const IDS one = { nFirst, kSelf };
-    const IDS three = { nSecond, 0, nFirst, kSelf };
+    const IDS two = { 0, nFirst, kSelf };
     const struct
     {
         const wchar_t* pszCommandLine;
@@ -133,14 +131,14 @@ TEST_F(App, SwitchesAndPathDecideWhatIsAskedClosedAndDone)
         { L"setup.exe -SFXNAME=a\\b x-sfxname=a\\b", 0 },
         { L"setup.exe -delself", 0 },
         { L"setup.exe -DELSELF x", 0 },
-        { L"setup.exe -s -delself x", 1 },
+        { L"setup.exe -S -delself x", 1 },
         { L"SETUP.EXE\\x -s", 1, L"0 1 instanc Lumacap Setup 52, 0 Setup of  Lumacap Setup 64, 1", one, IDCANCEL },
-        { L"setup.exe /s", 0, L"0 3 instanc Lumacap Setup 52, " + Closing(three) + kInstall, three },
+        { L"setup.exe /s", 0, L"0 2 instanc Lumacap Setup 52, " + Closing(two) + kInstall, two },
         { L"setup.exe -x /S", 0, Closing(one) + kInstall, one },
-        { L"x -INSTALL -v -S", 0, Closing(three) + kInstall, three },
+        { L"x -INSTALL -v -S", 0, Closing(two) + kInstall, two },
         { L"x -s -install", 1, Closing({ nFirst }) + kRelaunch, { nFirst, kSelf, nSecond } },
         { L"x -sconf -v", 2, Closing(one) + kRelaunch, one },
-        { L"x -s -v", 0, L"0 This will Lumacap Setup 308, " + Closing(three) + kRelaunch, three },
+        { L"x -s -v", 0, L"0 This will Lumacap Setup 308, " + Closing(two) + kRelaunch, two },
         { L" -v", 0, L"0 This will Lumacap Setup 308, 0", one, IDCANCEL }, // the path can't be had
         { L"setup.exe -delself c:\\x\\x", 1, L"sleep 1000, 0", one },
         { L"x -delself c:\\x\\x -v", 0, L"sleep 1000, 0 Lumacap 8 Lumacap 8 48, 0" },

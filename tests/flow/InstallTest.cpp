@@ -35,7 +35,7 @@ protected:
 
     int Run(const std::wstring& strArguments)
     {
-        const CArguments arguments(Split(L"setup.exe " + strArguments, L' '));
+        const CArguments arguments(Split(L"C:\\corner\\package\\setup.exe " + strArguments, L' '));
         m_strTold.clear();
         return RunToExit(RunInstall);
     }
@@ -58,8 +58,6 @@ protected:
         { "ExitWindowsEx", Telling(L"restart") },
         { "MessageBoxW", [this](CALL& call) { return Telling(std::to_wstring(call.args[3]) + L" ", 1)(call); } },
         { "ShellExecuteW", Telling(L"", 2) },
-        { "GetModuleFileNameW",
-          [](CALL& call) { return *wcscpy(const_cast<wchar_t*>(call.Text(1)), L"C:\\corner\\package\\setup.exe"); } },
     } };
 };
 
@@ -127,6 +125,11 @@ user\x)";
     WriteBytes(L"C:\\s\\Lumacap 8.lnk", "");
     Run(L"-autostart -instdir T");
     EXPECT_EQ(g_bAutoStart, 0);
+
+    RemoveValue(kMachine, kWindows, L"ProgramFilesDir");
+    g_nInstallKind = KIND_ALL_USERS;
+    Run(L"");
+    EXPECT_STREQ(g_strInstDir, L"C:\\Program Files\\Lumacap 8");
 }
 
 // Installed version and the package's; a digit each for silent mode, a restart that is needed, the answer to all that
@@ -214,6 +217,7 @@ P|C:\corner\user\Programs\P)";
         EXPECT_EQ(g_bSettingsCopied, 0);
     }
     EXPECT_TRUE(IsThere(L"user\\Programs\\Startup\\Lumacap 8.lnk"));
+    EXPECT_TRUE(IsThere(L"T\\Lumacap8.reg"));
 }
 
 TEST_F(Install, LinkHoldsWhatItIsGiven)
@@ -230,6 +234,7 @@ TEST_F(Install, LinkHoldsWhatItIsGiven)
     EXPECT_EQ(create(511, 260), 0xC0000409);
     CreateShellLink(L"\"C:\\a b.exe\"", L"a.lnk", L"A text", SW_SHOWMAXIMIZED, L"-x \"y z\"", L"C:\\Pictures");
     EXPECT_EQ(ReadBytes(L"T\\LumUnInst.log"), "Shell Link: a.lnk\r\n");
+    EXPECT_EQ(ReadBytes(L"a.lnk")[60], SW_SHOWMAXIMIZED);
     const std::wstring strLink = Replaced(Wide(ReadBytes(L"a.lnk")), std::wstring(1, 0), L"");
     EXPECT_EQ(strLink.substr(strLink.find(L"C:\\a")), L"C:\\a b.exe\aA text\fC:\\Pictures\t-x \"y z\"");
 }

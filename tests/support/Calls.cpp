@@ -61,9 +61,10 @@ namespace
 const size_t kMostEntries = 1024;
 
 std::map<std::string, CALL_ENTRY*> s_entries;
-std::vector<CCalls*>& s_all = *new std::vector<CCalls*>; // some watch the end of the process
-UINT_PTR s_nThread;                                      // of the first of them
-bool s_bHandling = false;                                // handlers' own calls go on undisturbed
+std::vector<WATCHER>& s_watchers = *new std::vector<WATCHER>; // some watch the end of the process
+int s_nObjects = 0;
+UINT_PTR s_nThread;       // of the first of them
+bool s_bHandling = false; // handlers' own calls go on undisturbed
 
 UINT_PTR CurrentThread() // without a call
 {
@@ -123,24 +124,16 @@ void ForEachImport(HMODULE hModule, Visit visit)
 
 } // namespace
 
-struct DISPATCHER
-{
-    static bool AskAll(CALL& call, INT_PTR& nResult)
-    {
-        return std::any_of(s_all.rbegin(), s_all.rend(),
-                           [&](CCalls* pCalls) { return pCalls->m_before && pCalls->m_before(call, nResult); });
-    }
-};
-
 void* Dispatch(CALL_ENTRY* pEntry, UINT_PTR* args)
 {
-    if (s_bHandling || s_all.empty() || CurrentThread() != s_nThread)
+    if (s_bHandling || s_nObjects == 0 || CurrentThread() != s_nThread)
         return pEntry->pfnFunction;
     pEntry->nCalls++;
     s_bHandling = true;
     CALL call = { pEntry->pszName, args, pEntry->pfnFunction };
     INT_PTR nResult = 0;
-    bool bHandled = DISPATCHER::AskAll(call, nResult);
+    bool bHandled = std::any_of(s_watchers.rbegin(), s_watchers.rend(),
+                                [&](const WATCHER& watcher) { return watcher(call, nResult); });
     if (!bHandled && !pEntry->pHandlers->empty())
     {
         nResult = pEntry->pHandlers->back()(call);
@@ -159,12 +152,6 @@ INT_PTR CALL::Pass() const
     const INT_PTR nResult = reinterpret_cast<FUNCTION>(pfnFunction)(
         args[0], args[1], args[2], args[3], args[4], args[5], args[6], args[7], args[8], args[9], args[10], args[11]);
     s_bHandling = true;
-    return nResult;
-}
-
-INT_PTR CALL::Fail(DWORD nError, INT_PTR nResult)
-{
-    SetLastError(nError);
     return nResult;
 }
 
@@ -189,15 +176,16 @@ CCalls::CCalls(const std::map<std::string, HANDLER>& handlers)
         m_earlierCounts[entry.first] = entry.second->nCalls;
     for (const auto& handler : handlers)
         On(handler.first, handler.second);
-    if (s_all.empty())
+    if (s_nObjects++ == 0)
         s_nThread = CurrentThread();
-    s_all.push_back(this);
 }
 
 CCalls::~CCalls()
 {
     s_bHandling = false; // which a handler that left by a jump couldn't
-    s_all.erase(std::find(s_all.begin(), s_all.end(), this));
+    s_nObjects--;
+    if (m_bWatching)
+        s_watchers.pop_back();
     for (const std::string& strName : m_names)
         s_entries[strName]->pHandlers->pop_back();
 }
@@ -214,53 +202,20 @@ void CCalls::On(const std::string& strName, HANDLER handler)
     m_names.push_back(strName);
 }
 
+void CCalls::OnAll(WATCHER watcher)
+{
+    s_watchers.push_back(std::move(watcher));
+    m_bWatching = true;
+}
+
 int CCalls::Count(const std::string& strName) const
 {
-    const auto entry = s_entries.find(strName);
-    const auto earlier = m_earlierCounts.find(strName);
-    return entry == s_entries.end() ? 0
-                                    : entry->second->nCalls - (earlier != m_earlierCounts.end() ? earlier->second : 0);
+    return s_entries.at(strName)->nCalls - m_earlierCounts.at(strName);
 }
 
 void* CCalls::EntryOf(const std::string& strName, void* pfn)
 {
     return MakeEntry(strName, pfn);
-}
-
-CCallTrace::CCallTrace(const std::vector<std::pair<std::string, int>>& namesAndArguments)
-{
-    for (const auto& [strName, nArgument] : namesAndArguments)
-        On(strName,
-           [this, nArgument = nArgument](CALL& call)
-           {
-               lines.push_back(std::wstring(call.pszName, call.pszName + strlen(call.pszName)) + L" " +
-                               call.Text(nArgument));
-               return call.Pass();
-           });
-}
-
-CBoxes::CBoxes(std::vector<int> answers)
-{
-    On("MessageBoxW",
-       [this, answers](CALL& call)
-       {
-           const auto text = [&](int n) { return call.Text(n) != nullptr ? call.Text(n) : L"(null)"; };
-           boxes.push_back({ text(1), text(2), static_cast<UINT>(call.args[3]), reinterpret_cast<HWND>(call.args[0]) });
-           return answers[std::min(boxes.size(), answers.size()) - 1];
-       });
-}
-
-CLaunches::CLaunches()
-{
-    On("CreateProcessW",
-       [this](CALL& call)
-       {
-           EXPECT_EQ(call.Text(0), nullptr) << "a program beside its command line";
-           EXPECT_EQ(static_cast<BOOL>(call.args[4]), FALSE) << "handles are inherited";
-           launches.push_back(call.Text(1) + std::wstring(L" in ") +
-                              (call.Text(7) != nullptr ? call.Text(7) : L"none"));
-           return TRUE;
-       });
 }
 
 int RunToExit(const std::function<int()>& function, const char* pszEnd, int nCodeArgument)

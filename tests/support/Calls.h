@@ -19,10 +19,10 @@ struct CALL
 
     const wchar_t* Text(int nArgument) const { return reinterpret_cast<const wchar_t*>(args[nArgument]); }
     INT_PTR Pass() const; // makes the call, with up to twelve arguments; calls that come of it are seen
-    static INT_PTR Fail(DWORD nError, INT_PTR nResult = 0); // the result of one that isn't made
 };
 
-using HANDLER = std::function<INT_PTR(CALL&)>; // gives the call's result
+using HANDLER = std::function<INT_PTR(CALL&)>;        // gives the call's result
+using WATCHER = std::function<bool(CALL&, INT_PTR&)>; // true: the call isn't made and has that result
 
 // Leads the functions that this program imports through entries, for good. Comes first in the program, since the
 // compiler may keep an address from the table.
@@ -41,8 +41,9 @@ public:
 
     void On(const std::string& strName, HANDLER handler);
 
-    // Asked about each call ahead of all handlers. True: it isn't made and has that result.
-    void OnAll(std::function<bool(CALL&, INT_PTR&)> before) { m_before = std::move(before); }
+    // Asked about each call ahead of all handlers. One for an object, and the objects that have one end in the reverse
+    // order of their making.
+    void OnAll(WATCHER watcher);
 
     int Count(const std::string& strName) const; // of calls since the object was made, failing ones too
 
@@ -50,43 +51,9 @@ public:
     static void* EntryOf(const std::string& strName, void* pfn);
 
 private:
-    friend struct DISPATCHER;
-
     std::map<std::string, int> m_earlierCounts;
     std::vector<std::string> m_names;
-    std::function<bool(CALL&, INT_PTR&)> m_before;
-};
-
-// A line for each call of these names: the name, a blank and the text that stands in that argument.
-class CCallTrace : public CCalls
-{
-public:
-    explicit CCallTrace(const std::vector<std::pair<std::string, int>>& namesAndArguments);
-    std::vector<std::wstring> lines;
-};
-
-struct RECORDED_BOX
-{
-    std::wstring strText;
-    std::wstring strCaption;
-    UINT nStyle;
-    HWND hOwner;
-};
-
-// This process's boxes, which aren't shown: the answers in order, the last one for all that follow.
-class CBoxes : public CCalls
-{
-public:
-    explicit CBoxes(std::vector<int> answers = { IDOK });
-    std::vector<RECORDED_BOX> boxes;
-};
-
-// The programs that it starts, which aren't: "COMMAND LINE in FOLDER".
-class CLaunches : public CCalls
-{
-public:
-    CLaunches();
-    std::vector<std::wstring> launches;
+    bool m_bWatching = false;
 };
 
 // Runs the function in this process to its end or to the first exit(): gives what either gives. What lives on the stack

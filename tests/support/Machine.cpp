@@ -67,28 +67,29 @@ std::string Bytes(const std::wstring& strText)
 
 std::wstring Wide(const std::string& strBytes)
 {
-    std::wstring strText;
-    for (const char ch : strBytes)
-        strText += static_cast<unsigned char>(ch);
-    return strText;
+    const auto* pBytes = reinterpret_cast<const unsigned char*>(strBytes.data());
+    return std::wstring(pBytes, pBytes + strBytes.size());
 }
 
 // --- Files
 
-static std::vector<WIN32_FIND_DATAW> EntriesOf(const std::wstring& strFolder)
+// Calls the function with the path and the data of each file and folder below the folder; folders' paths end in a
+// backslash.
+template <typename Visit>
+static void ForEachBelow(const std::wstring& strFolder, Visit visit)
 {
-    std::vector<WIN32_FIND_DATAW> entries;
     WIN32_FIND_DATAW found;
     const CFindOwner hFind(FindFirstFileW((strFolder + L"\\*").c_str(), &found));
     for (BOOL bMore = hFind.IsOpen(); bMore; bMore = FindNextFileW(hFind, &found))
-        if (wcscmp(found.cFileName, L".") != 0 && wcscmp(found.cFileName, L"..") != 0)
-            entries.push_back(found);
-    return entries;
-}
-
-static bool IsFolder(DWORD nAttributes)
-{
-    return (nAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    {
+        const std::wstring strPath = strFolder + L"\\" + found.cFileName;
+        const bool bFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        if (wcscmp(found.cFileName, L".") == 0 || wcscmp(found.cFileName, L"..") == 0)
+            continue;
+        visit(bFolder ? strPath + L"\\" : strPath, found);
+        if (bFolder)
+            ForEachBelow(strPath, visit);
+    }
 }
 
 bool IsThere(const std::wstring& strPath)
@@ -139,27 +140,27 @@ void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo)
 void CopyTree(const std::wstring& strFrom, const std::wstring& strTo)
 {
     MakeFolder(strTo);
-    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFrom))
-    {
-        const std::wstring strName = std::wstring(L"\\") + entry.cFileName;
-        if (IsFolder(entry.dwFileAttributes))
-            CopyTree(strFrom + strName, strTo + strName);
+    for (const std::wstring& strPath : ListTree(strFrom))
+        if (strPath.back() == L'\\')
+            MakeFolder(strTo + L"\\" + strPath);
         else
-            CopyOneFile(strFrom + strName, strTo + strName);
-    }
+            CopyOneFile(strFrom + L"\\" + strPath, strTo + L"\\" + strPath);
 }
 
 static bool TryRemoveTree(const std::wstring& strPath)
 {
-    const DWORD nAttributes = AttributesOf(strPath);
-    if (nAttributes == INVALID_FILE_ATTRIBUTES)
+    if (!IsThere(strPath))
         return true;
-    SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
-    if (!IsFolder(nAttributes))
-        return DeleteFileW(strPath.c_str());
-    for (const WIN32_FIND_DATAW& entry : EntriesOf(strPath))
-        TryRemoveTree(strPath + L"\\" + entry.cFileName);
-    return RemoveDirectoryW(strPath.c_str());
+    TEXTS paths = ListTree(strPath);
+    paths.insert(paths.begin(), L"");
+    for (size_t n = paths.size(); n-- > 0;)
+    {
+        const std::wstring strOne = n == 0 ? strPath : strPath + L"\\" + paths[n];
+        SetFileAttributesW(strOne.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (!DeleteFileW(strOne.c_str()))
+            RemoveDirectoryW(strOne.c_str());
+    }
+    return !IsThere(strPath);
 }
 
 void RemoveTree(const std::wstring& strPath)
@@ -168,45 +169,27 @@ void RemoveTree(const std::wstring& strPath)
     Demand(WaitUntil([&] { return TryRemoveTree(strPath); }), "remove", strPath);
 }
 
-static void AddBelow(const std::wstring& strFolder, const std::wstring& strPrefix, TEXTS& paths)
-{
-    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFolder))
-    {
-        const std::wstring strPath = strPrefix + entry.cFileName;
-        paths.push_back(IsFolder(entry.dwFileAttributes) ? strPath + L"\\" : strPath);
-        if (IsFolder(entry.dwFileAttributes))
-            AddBelow(strFolder + L"\\" + entry.cFileName, strPath + L"\\", paths);
-    }
-}
-
 TEXTS ListTree(const std::wstring& strFolder)
 {
     TEXTS paths;
-    AddBelow(strFolder, L"", paths);
+    ForEachBelow(strFolder, [&](const std::wstring& strPath, const WIN32_FIND_DATAW&)
+                 { paths.push_back(strPath.substr(strFolder.size() + 1)); });
     std::sort(paths.begin(), paths.end());
     return paths;
 }
 
-CFileHold::CFileHold(const std::wstring& strPath, DWORD nSharing)
+std::shared_ptr<void> HoldFile(const std::wstring& strPath, DWORD nSharing)
 {
-    if (nSharing == kAsImage)
+    if (nSharing != kAsImage)
     {
-        CopyOneFile(L"C:\\windows\\system32\\regsvr32.exe", strPath);
-        m_hImage = LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+        const HANDLE hFile = CreateFileW(strPath.c_str(), GENERIC_READ, nSharing, nullptr, OPEN_EXISTING, 0, nullptr);
+        Demand(hFile != INVALID_HANDLE_VALUE, "hold", strPath);
+        return { hFile, CloseHandle };
     }
-    else
-        m_hFile = CreateFileW(strPath.c_str(), GENERIC_READ, nSharing, nullptr, OPEN_EXISTING, 0, nullptr);
-    Demand(m_hImage != nullptr || m_hFile != INVALID_HANDLE_VALUE, "hold", strPath);
-}
-
-void CFileHold::Release()
-{
-    if (m_hImage != nullptr)
-        FreeLibrary(m_hImage);
-    if (m_hFile != INVALID_HANDLE_VALUE)
-        CloseHandle(m_hFile);
-    m_hImage = nullptr;
-    m_hFile = INVALID_HANDLE_VALUE;
+    CopyOneFile(L"C:\\windows\\system32\\regsvr32.exe", strPath);
+    const HMODULE hImage = LoadLibraryExW(strPath.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    Demand(hImage != nullptr, "hold", strPath);
+    return { hImage, FreeLibrary };
 }
 
 // --- Registry
@@ -258,21 +241,15 @@ void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& str
     RegDeleteKeyValueW(hRoot, strKey.c_str(), strName.c_str());
 }
 
-static void AllowSaving()
-{
-    HANDLE hToken = nullptr;
-    OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &hToken);
-    const CHandleOwner token(hToken);
-    TOKEN_PRIVILEGES privileges = { 1, { { {}, SE_PRIVILEGE_ENABLED } } };
-    LookupPrivilegeValueW(nullptr, SE_BACKUP_NAME, &privileges.Privileges[0].Luid);
-    AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
-}
+extern "C" LONG NTAPI RtlAdjustPrivilege(ULONG nPrivilege, BOOLEAN bEnable, BOOLEAN bThread, BOOLEAN* pbEarlier);
 
 static std::string SavedKey(HKEY hKey)
 {
-    static const bool s_bAllowed = (AllowSaving(), true);
+    const ULONG nBackup = 17;
+    BOOLEAN bEarlier;
+    RtlAdjustPrivilege(nBackup, TRUE, FALSE, &bEarlier);
     const std::wstring strFile = L"C:\\saved." + std::to_wstring(GetCurrentProcessId());
-    Demand(s_bAllowed && RegSaveKeyW(hKey, strFile.c_str(), nullptr) == ERROR_SUCCESS, "save", strFile);
+    Demand(RegSaveKeyW(hKey, strFile.c_str(), nullptr) == ERROR_SUCCESS, "save", strFile);
     const std::string strSaved = ReadBytes(strFile);
     RemoveTree(strFile);
     return strSaved;
@@ -350,13 +327,9 @@ TEXTS PendingEntries()
         return entries;
     std::wstring strList(cb / sizeof(wchar_t), L'\0');
     RegGetValueW(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, &strList[0], &cb);
-    for (size_t n = 0; n < strList.size() && strList[n] != L'\0';) // pairs, in which an empty text is a target
-    {
-        const std::wstring strSource = strList.c_str() + n;
-        const std::wstring strTarget = strList.c_str() + n + strSource.size() + 1;
-        entries.push_back(strTarget.empty() ? L"-" + Plain(strSource) : Plain(strSource) + L">" + Plain(strTarget));
-        n += strSource.size() + strTarget.size() + 2;
-    }
+    const TEXTS texts = Split(strList, L'\0'); // sources, each with a target behind it, which may be empty
+    for (size_t n = 0; n + 1 < texts.size() && !texts[n].empty(); n += 2)
+        entries.push_back(texts[n + 1].empty() ? L"-" + Plain(texts[n]) : Plain(texts[n]) + L">" + Plain(texts[n + 1]));
     return entries;
 }
 
@@ -379,10 +352,8 @@ std::wstring LinkText(const std::wstring& strPath)
     CoInitialize(nullptr);
     CInterfaceOwner<IShellLinkW> pLink;
     CInterfaceOwner<IPersistFile> pFile;
-    Demand(SUCCEEDED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
-                                      reinterpret_cast<void**>(pLink.Receive()))) &&
-               SUCCEEDED(pLink->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(pFile.Receive()))),
-           "link", strPath);
+    CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_ALL, IID_PPV_ARGS(pLink.Receive()));
+    pLink->QueryInterface(IID_PPV_ARGS(pFile.Receive()));
     if (FAILED(pFile->Load(strPath.c_str(), STGM_READ)))
         return L"(no link)";
     pLink->GetPath(szTarget, 1024, nullptr, SLGP_RAWPATH);
@@ -390,48 +361,29 @@ std::wstring LinkText(const std::wstring& strPath)
     return szTarget + (szFolder[0] != 0 ? std::wstring(L" in ") + szFolder : L"");
 }
 
-void PictureFolder(const std::wstring& strFolder, TEXTS& lines)
+// Windows' own files are some hundred megabytes: size and time tell of a change too. A link's content tells the time of
+// its making.
+static std::wstring FileText(const std::wstring& strPath, const WIN32_FIND_DATAW& data)
 {
-    for (const std::wstring& strRelative : ListTree(strFolder))
-    {
-        const std::wstring strPath = strFolder + L"\\" + strRelative;
-        std::wstring strLine = strPath;
-        if (strPath.size() > 4 && strPath.compare(strPath.size() - 4, 4, L".lnk") == 0)
-            strLine += L" -> " + LinkText(strPath); // its content tells the time of its making
-        else if (strPath.back() != L'\\')
-            strLine += L" = " + std::to_wstring(std::hash<std::string>()(ReadBytes(strPath)));
-        const DWORD nOdd = AttributesOf(strPath) & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
-        lines.push_back(nOdd != 0 ? strLine + L" (attributes " + std::to_wstring(nOdd) + L")" : strLine);
-    }
-}
-
-// Windows' own files are some hundred megabytes: size and time tell of a change too.
-static void PictureWindows(const std::wstring& strFolder, TEXTS& lines)
-{
-    for (const WIN32_FIND_DATAW& entry : EntriesOf(strFolder))
-    {
-        const std::wstring strPath = strFolder + L"\\" + entry.cFileName;
-        const FILETIME& written = entry.ftLastWriteTime;
-        if (IsFolder(entry.dwFileAttributes))
-        {
-            lines.push_back(strPath + L"\\");
-            PictureWindows(strPath, lines);
-        }
-        else
-            lines.push_back(strPath + L" = " + std::to_wstring(entry.nFileSizeLow) + L" bytes of " +
-                            std::to_wstring(written.dwHighDateTime) + L"." + std::to_wstring(written.dwLowDateTime));
-    }
+    const FILETIME& written = data.ftLastWriteTime;
+    if (_wcsnicmp(strPath.c_str(), L"C:\\windows\\", 11) == 0)
+        return L" = " + std::to_wstring(data.nFileSizeLow) + L" bytes of " + std::to_wstring(written.dwHighDateTime) +
+               L"." + std::to_wstring(written.dwLowDateTime);
+    if (strPath.size() > 4 && strPath.compare(strPath.size() - 4, 4, L".lnk") == 0)
+        return L" -> " + LinkText(strPath);
+    return L" = " + std::to_wstring(std::hash<std::string>()(ReadBytes(strPath)));
 }
 
 TEXTS TakePicture()
 {
     TEXTS lines;
-    for (const WIN32_FIND_DATAW& entry : EntriesOf(L"C:"))
-    {
-        const std::wstring strPath = std::wstring(L"C:\\") + entry.cFileName;
-        lines.push_back(strPath + L"\\");
-        _wcsicmp(entry.cFileName, L"windows") == 0 ? PictureWindows(strPath, lines) : PictureFolder(strPath, lines);
-    }
+    ForEachBelow(L"C:",
+                 [&](const std::wstring& strPath, const WIN32_FIND_DATAW& data)
+                 {
+                     const DWORD nOdd = data.dwFileAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN);
+                     lines.push_back(strPath + (strPath.back() == L'\\' ? L"" : FileText(strPath, data)) +
+                                     (nOdd != 0 ? L" (attributes " + std::to_wstring(nOdd) + L")" : L""));
+                 });
     FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", lines);
     FlattenKey(HKEY_USERS, L"", L"HKU", lines);
     std::sort(lines.begin(), lines.end());

@@ -4,6 +4,7 @@
 
 #include <afx.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,8 @@ using TEXTS = std::vector<std::wstring>;
 // Makes the running test or scenario fail, and goes on. Each program with tests has its own.
 void Fail(const std::string& strWhat);
 
-// Folders of the host, as this machine sees them; no trailing backslash.
+// A folder of the host, as this machine sees it; no trailing backslash.
 std::wstring BuildFolder();
-std::wstring SourceFolder(); // of the whole project
 std::wstring
 ProductOfVersion(const std::wstring& strVersion); // "8.19.9.0", ..., "none": path of a product's executable
 
@@ -35,22 +35,11 @@ void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);    // the
 void RemoveTree(const std::wstring& strPath);  // a file too, read-only ones; nothing if it isn't there
 TEXTS ListTree(const std::wstring& strFolder); // sorted relative paths, folders end in a backslash; none if missing
 
-// Keeps a file open. With FILE_SHARE_READ nobody can replace or remove it; with FILE_SHARE_WRITE besides it can be
-// overwritten; with 0 not even be read. With kAsImage it becomes a mapped program, which can only be renamed.
+// Keeps a file open as long as the result lives. With FILE_SHARE_READ nobody can replace or remove it; with
+// FILE_SHARE_WRITE besides it can be overwritten; with 0 not even be read. With kAsImage it becomes a mapped program,
+// which can only be renamed.
 const DWORD kAsImage = ~0u;
-class CFileHold
-{
-public:
-    CFileHold(const std::wstring& strPath, DWORD nSharing);
-    ~CFileHold() { Release(); }
-    CFileHold(const CFileHold&) = delete;
-    CFileHold& operator=(const CFileHold&) = delete;
-    void Release();
-
-private:
-    HANDLE m_hFile = INVALID_HANDLE_VALUE;
-    HMODULE m_hImage = nullptr;
-};
+std::shared_ptr<void> HoldFile(const std::wstring& strPath, DWORD nSharing);
 
 // A value as a text: that of a REG_SZ as it stands, "dword 8" of a number, "type 3 c0ffee" of any other type,
 // "(absent)" without the value.
@@ -73,12 +62,10 @@ void ClearPending();
 
 std::wstring LinkText(const std::wstring& strPath); // "TARGET in FOLDER"; "(no link)" for another file
 
-// Adds a line for each file and folder below the folder: `PATH = NUMBER`, where the number stands for the content,
-// `PATH -> LINK`, `PATH\`; with ` (attributes N)` behind it if it is read-only or hidden.
-void PictureFolder(const std::wstring& strFolder, TEXTS& lines);
-
-// Sorted lines of the whole machine, files and registry. Two pictures tell all that a program left: "+ LINE" and
-// "- LINE" for what only the later and only the earlier one has, in the order of the lines.
+// Sorted lines of the whole machine: its registry and, for each file and folder, `PATH = NUMBER`, where the number
+// stands for the content, `PATH -> LINK` or `PATH\`, with ` (attributes N)` behind it if it is read-only or hidden. Two
+// pictures tell all that a program left: "+ LINE" and "- LINE" for what only the later and only the earlier one has, in
+// the order of the lines.
 TEXTS TakePicture();
 TEXTS Difference(const TEXTS& earlier, const TEXTS& later);
 

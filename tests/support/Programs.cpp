@@ -2,7 +2,8 @@
 // waited for, and be ended, without a look at any other process.
 #include "tests/support/Programs.h"
 
-#include "foundation/Owners.h"
+#include <map>
+
 #include "tests/support/Machine.h"
 
 // Windows of this thread must answer meanwhile: programs send messages to all top-level windows.
@@ -29,16 +30,7 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD nMilliseconds)
 CProcessRun::~CProcessRun()
 {
     End();
-    for (const HANDLE handle : { m_process.hThread, m_process.hProcess, m_hJob })
-        if (handle != nullptr)
-            CloseHandle(handle);
-    if (!m_strOutput.empty())
-        RemoveTree(m_strOutput);
-}
-
-void CProcessRun::AddEnvironment(const std::wstring& strName, const std::wstring& strValue)
-{
-    m_environment.emplace_back(strName, strValue);
+    RemoveTree(m_strOutput);
 }
 
 // Standard output goes to a file of the run.
@@ -62,34 +54,34 @@ bool CProcessRun::Start()
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = output;
     startup.hStdError = output;
-    for (const auto& variable : m_environment)
-        SetEnvironmentVariableW(variable.first.c_str(), variable.second.c_str());
+    PROCESS_INFORMATION process = {};
     std::wstring strCommandLine = m_strCommandLine; // the call may write into it
     const auto create = [&]
     {
-        return CreateProcessW(nullptr, &strCommandLine[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
-                              m_strFolder.empty() ? nullptr : m_strFolder.c_str(), &startup, &m_process);
+        return CreateProcessW(nullptr, &strCommandLine[0], nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr, nullptr,
+                              &startup, &process);
     };
     // Once in some thousand starts on a busy host the call fails so, before any of the program has run.
     BOOL bStarted = create();
     if (!bStarted && GetLastError() == ERROR_INTERNAL_ERROR)
         bStarted = create();
     if (!bStarted)
+    {
         Fail(Bytes(m_strCommandLine) + ": error " + std::to_string(GetLastError()));
-    for (const auto& variable : m_environment)
-        SetEnvironmentVariableW(variable.first.c_str(), nullptr);
-    if (!bStarted)
         return false;
-    m_hJob = CreateJobObjectW(nullptr, nullptr);
-    if (!AssignProcessToJobObject(m_hJob, m_process.hProcess))
+    }
+    const CHandleOwner thread(process.hThread);
+    *m_process.Receive() = process.hProcess;
+    *m_job.Receive() = CreateJobObjectW(nullptr, nullptr);
+    if (!AssignProcessToJobObject(m_job, m_process))
         Fail("no job for " + Bytes(m_strCommandLine));
-    ResumeThread(m_process.hThread);
+    ResumeThread(thread);
     return true;
 }
 
 bool CProcessRun::WaitForEnd(DWORD nMilliseconds)
 {
-    return WaitUntil([this] { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_OBJECT_0; }, nMilliseconds);
+    return WaitUntil([this] { return WaitForSingleObject(m_process, 0) == WAIT_OBJECT_0; }, nMilliseconds);
 }
 
 bool CProcessRun::WaitForFamily(DWORD nMilliseconds)
@@ -100,7 +92,7 @@ bool CProcessRun::WaitForFamily(DWORD nMilliseconds)
 DWORD CProcessRun::ExitCode() const
 {
     DWORD nCode = STILL_ACTIVE;
-    GetExitCodeProcess(m_process.hProcess, &nCode);
+    GetExitCodeProcess(m_process, &nCode);
     return nCode;
 }
 
@@ -112,9 +104,7 @@ std::vector<DWORD> CProcessRun::FamilyIds() const
         JOBOBJECT_BASIC_PROCESS_ID_LIST list;
         ULONG_PTR more[kMostProcesses];
     } ids = {};
-    if (m_hJob == nullptr ||
-        !QueryInformationJobObject(m_hJob, JobObjectBasicProcessIdList, &ids, sizeof(ids), nullptr))
-        return {};
+    QueryInformationJobObject(m_job, JobObjectBasicProcessIdList, &ids, sizeof(ids), nullptr);
     return std::vector<DWORD>(ids.list.ProcessIdList, ids.list.ProcessIdList + ids.list.NumberOfProcessIdsInList);
 }
 
@@ -125,46 +115,40 @@ std::string CProcessRun::Output() const
 
 void CProcessRun::End()
 {
-    if (m_hJob == nullptr)
-        return;
-    TerminateJobObject(m_hJob, 1);
+    TerminateJobObject(m_job, 1);
     if (!WaitForFamily())
         Fail("programs stay after their end");
 }
 
-DWORD RunToEnd(const std::wstring& strCommandLine, const std::wstring& strFolder, DWORD nMilliseconds)
+DWORD RunToEnd(const std::wstring& strCommandLine)
 {
     CProcessRun run(strCommandLine);
-    run.SetFolder(strFolder);
     if (!run.Start())
         return STILL_ACTIVE;
-    if (!run.WaitForFamily(nMilliseconds))
+    if (!run.WaitForFamily())
         Fail(Bytes(strCommandLine) + " takes too long");
     return run.ExitCode();
 }
 
 static const wchar_t kSwitch[] = L"--as";
-static CChildRole* s_pFirst; // filled while the global objects come into being, in any order
+
+static std::map<std::wstring, int (*)()>& Roles() // filled while the global objects come into being, in any order
+{
+    static std::map<std::wstring, int (*)()> s_roles;
+    return s_roles;
+}
 
 CChildRole::CChildRole(const wchar_t* pszName, int (*pfnRole)())
-    : m_pszName(pszName), m_pfnRole(pfnRole), m_pNext(s_pFirst)
 {
-    s_pFirst = this;
+    Roles()[pszName] = pfnRole;
 }
 
 bool CChildRole::Run(int argc, wchar_t** argv, int& nResult)
 {
     if (argc < 3 || wcscmp(argv[1], kSwitch) != 0)
         return false;
-    for (const CChildRole* pRole = s_pFirst; pRole != nullptr; pRole = pRole->m_pNext)
-    {
-        if (wcscmp(argv[2], pRole->m_pszName) == 0)
-        {
-            nResult = pRole->m_pfnRole();
-            return true;
-        }
-    }
-    return false;
+    nResult = Roles().at(argv[2])();
+    return true;
 }
 
 std::wstring CChildRole::CommandLine(const std::wstring& strName)

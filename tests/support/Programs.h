@@ -5,8 +5,9 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "foundation/Owners.h"
 
 const DWORD kPatience = 20000; // milliseconds: far above what any step takes, so that only a real fault meets it
 
@@ -20,11 +21,6 @@ public:
     // Starts nothing yet. The command line goes to the program as it stands.
     explicit CProcessRun(std::wstring strCommandLine) : m_strCommandLine(std::move(strCommandLine)) {}
     ~CProcessRun(); // ends what still runs of the program and of those that it started
-    CProcessRun(const CProcessRun&) = delete;
-    CProcessRun& operator=(const CProcessRun&) = delete;
-
-    void SetFolder(const std::wstring& strFolder) { m_strFolder = strFolder; } // default: this program's own
-    void AddEnvironment(const std::wstring& strName, const std::wstring& strValue);
 
     // False, and the test fails, if the program can't be started.
     bool Start();
@@ -36,23 +32,20 @@ public:
     bool WaitForFamily(DWORD nMilliseconds = kPatience);
 
     DWORD ExitCode() const; // STILL_ACTIVE while it runs
-    DWORD Id() const { return m_process.dwProcessId; }
+    DWORD Id() const { return GetProcessId(m_process); }
     std::vector<DWORD> FamilyIds() const; // of all running programs that it or its successors started, and its own
     std::string Output() const;           // what they have written to standard output and standard error
     void End();
 
 private:
     std::wstring m_strCommandLine;
-    std::wstring m_strFolder;
-    std::vector<std::pair<std::wstring, std::wstring>> m_environment;
     std::wstring m_strOutput; // path
-    PROCESS_INFORMATION m_process = {};
-    HANDLE m_hJob = nullptr;
+    CHandleOwner m_process;
+    CHandleOwner m_job;
 };
 
 // Runs a program to the end of its whole family; fails the test if that takes too long. Gives its exit code.
-DWORD RunToEnd(const std::wstring& strCommandLine, const std::wstring& strFolder = L"",
-               DWORD nMilliseconds = kPatience);
+DWORD RunToEnd(const std::wstring& strCommandLine);
 
 // Parts of the test program that need a process of their own: `setup_tests.exe --as NAME` runs that part in the place
 // of the tests, in the state that a program has just after its start.
@@ -61,17 +54,10 @@ class CChildRole
 public:
     // To be made at namespace level. The result of the function is the exit code.
     CChildRole(const wchar_t* pszName, int (*pfnRole)());
-    CChildRole(const CChildRole&) = delete;
-    CChildRole& operator=(const CChildRole&) = delete;
 
     // Runs the role that the command line names, and gives its result. False if it names none.
     static bool Run(int argc, wchar_t** argv, int& nResult);
 
     // The command line that starts it.
     static std::wstring CommandLine(const std::wstring& strName);
-
-private:
-    const wchar_t* m_pszName;
-    int (*m_pfnRole)();
-    CChildRole* m_pNext;
 };

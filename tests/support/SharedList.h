@@ -25,15 +25,17 @@ public:
         if (m_pList != nullptr)
             UnmapViewOfFile(m_pList);
     }
-    CSharedList(const CSharedList&) = delete;
-    CSharedList& operator=(const CSharedList&) = delete;
 
     bool IsThere() const { return m_pList != nullptr; }
-    DWORD Limit() const { return m_pList->nLimit; }
-    std::vector<DWORD> Ids() const { return std::vector<DWORD>(m_pList->anIds, m_pList->anIds + m_pList->nCount); }
-    bool IsClearBehindIds() const // the room that no id takes is zero
+    std::string Text() const // "LIMIT: ID ID", with a + behind it if the room that no id takes isn't zero
     {
-        return std::count(m_pList->anIds + m_pList->nCount, std::end(m_pList->anIds), 0u) == 1000 - m_pList->nCount;
+        std::string strText = std::to_string(m_pList->nLimit) + ":";
+        for (DWORD n = 0; n < std::size(m_pList->anIds); n++)
+            if (n < m_pList->nCount)
+                strText += " " + std::to_string(m_pList->anIds[n]);
+            else if (m_pList->anIds[n] != 0)
+                return strText + "+";
+        return strText;
     }
 
     // Nothing stands behind the ids afterwards.

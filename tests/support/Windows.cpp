@@ -144,16 +144,6 @@ bool CWindowDriver::AwaitText(int nId, const std::wstring& strText) const
     return WaitUntil([&] { return Text(nId) == strText; });
 }
 
-bool CWindowDriver::AwaitVisible(int nId) const
-{
-    return WaitUntil([&] { return IsVisible(nId); });
-}
-
-bool CWindowDriver::AwaitGone() const
-{
-    return WaitUntil([&] { return !IsWindow(m_hWnd); });
-}
-
 std::wstring AnswerBox(DWORD nProcessId, int nCommand)
 {
     const HWND hBox = AwaitTopWindow(nProcessId, IsBox);

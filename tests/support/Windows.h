@@ -29,8 +29,6 @@ public:
     std::wstring Look() const;
 
     bool AwaitText(int nId, const std::wstring& strText) const;
-    bool AwaitVisible(int nId) const;
-    bool AwaitGone() const;
 
 private:
     HWND m_hWnd = nullptr;

@@ -94,7 +94,9 @@ void ResetProgramState()
 }
 
 CArguments::CArguments(TEXTS arguments)
-    : m_arguments(std::move(arguments)), m_nEarlierCount(__argc), m_ppszEarlier(__wargv)
+    : m_arguments(std::move(arguments)), m_nEarlierCount(__argc), m_ppszEarlier(__wargv),
+      m_calls({ { "GetModuleFileNameW", [this](CALL& call)
+                  { return wcslen(wcscpy(reinterpret_cast<wchar_t*>(call.args[1]), m_arguments[0].c_str())); } } })
 {
     for (std::wstring& strArgument : m_arguments)
         m_pointers.push_back(&strArgument[0]);

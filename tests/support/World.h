@@ -7,6 +7,7 @@
 
 #include "app/InstanceManager.h"
 #include "app/SetupApp.h"
+#include "tests/support/Calls.h"
 #include "tests/support/Machine.h"
 
 // An empty folder; the system's folders moved into it ("all\\Desktop", "all\\Programs\\Startup", "user\\Desktop", ...,
@@ -40,18 +41,17 @@ protected:
 void ResetProgramState();
 
 // Gives the program this command line, as the run-time library splits it, for the object's life. The first argument is
-// the program's own name.
+// the program's own name, and its path for those who ask for it.
 class CArguments
 {
 public:
     explicit CArguments(TEXTS arguments);
     ~CArguments();
-    CArguments(const CArguments&) = delete;
-    CArguments& operator=(const CArguments&) = delete;
 
 private:
     TEXTS m_arguments;
     std::vector<wchar_t*> m_pointers;
     int m_nEarlierCount;
     wchar_t** m_ppszEarlier;
+    CCalls m_calls;
 };

@@ -58,7 +58,7 @@ TEST_F(FileReplacement, TheSituationDecidesWhatStandsWaitsAndIsReported)
     {
         SCOPED_TRACE(pszStates);
         SetUp();
-        std::unique_ptr<CFileHold> holds[5];
+        std::shared_ptr<void> holds[5];
         for (int i = 0; i < 5; i++)
         {
             const char chState = pszStates[i];
@@ -69,7 +69,7 @@ TEST_F(FileReplacement, TheSituationDecidesWhatStandsWaitsAndIsReported)
             if (isdigit(chState))
                 SetAttributes(At(names[i]), chState - '0');
             else
-                holds[i] = std::make_unique<CFileHold>(At(names[i]), nSharing);
+                holds[i] = HoldFile(At(names[i]), nSharing);
         }
         g_bRebootNeeded = 7;
         EXPECT_EQ(Replace(L"s", L"to", L"x.e"), nResult);

@@ -37,6 +37,12 @@ TEST_F(Foundation, RegistryTextIsReadUpTo129Characters)
 {
     const wchar_t kKey[] = L"SOFTWARE\\Tandrel\\Test";
     const std::wstring strText(129, L'x');
+    const CCalls calls({ { "RegSetValueExW", [](CALL& call)
+                           {
+                               EXPECT_EQ(DWORD(call.args[5]),
+                                         call.args[3] == REG_DWORD ? 4 : 2 * wcslen(call.Text(4)) + 2);
+                               return call.Pass();
+                           } } });
     EXPECT_NE(WriteRegString(kUser, kKey, L"", strText.c_str()), 0);
     EXPECT_NE(WriteRegDword(kUser, kKey, L"number", 0x00420041), 0);
     WriteRegString(kUser, kKey, L"long", (strText + L"x").c_str());
@@ -132,6 +138,7 @@ TEST_F(Foundation, TextsAreCutSortedAndTrimmed)
     EXPECT_EQ(FormatBounded(szBuffer, 7, L"%s", L"1234567"), -1);
 
     EXPECT_STREQ(ParentFolder(L"C:\\"), L"");
+    EXPECT_STREQ(CutLastPart(L"a"), L"a");
     EXPECT_STREQ(WithSeparator(L"a/"), L"a/");
 
     wchar_t szText[] = L"One TWO two";
@@ -161,8 +168,9 @@ TEST_F(Foundation, TextsAreEncodedAndConverted)
     EXPECT_STREQ(EncodeForPost(L" &%=\t\xFF\x4E00"), L"+&%25%3D%09%FF%4E00");
     EXPECT_STREQ(EncodeForQuery(L" &%=\t\xFF\x4E00"), L" (AND)%25%3D%09%FF%4E00");
 
-    CCallTrace calls({ { "LoadLibraryExW", 0 } });
-    calls.On("GetACP", [](CALL&) { return 1251; });
+    TEXTS loaded;
+    CCalls calls({ { "GetACP", [](CALL&) { return 1251; } },
+                   { "LoadLibraryExW", [&](CALL& call) { return loaded.push_back(call.Text(0)), call.Pass(); } } });
     EXPECT_STREQ(AnsiToString("\xE4"), L"\x0434");
     EXPECT_EQ(AnsiToString("").GetLength(), 2);
     EXPECT_EQ(StringToAnsi(L"").GetLength(), 2);
@@ -171,7 +179,7 @@ TEST_F(Foundation, TextsAreEncodedAndConverted)
 
     for (const int nError : { 2099, 2100, 2999, 3000, 11999, 12000, 12190, 12191 })
         GetErrorText(nError);
-    EXPECT_EQ(Replaced(Join(calls.lines), L"LoadLibraryExW ", L""), L"netmsg.dll|netmsg.dll|wininet.dll|wininet.dll");
+    EXPECT_EQ(Join(loaded), L"netmsg.dll|netmsg.dll|wininet.dll|wininet.dll");
     EXPECT_STRNE(GetErrorText(12007), L"");
     calls.On("LoadLibraryExW", [](CALL&) { return 0; });
     EXPECT_STRNE(GetErrorText(2250), L"");

@@ -6,8 +6,8 @@
 
 #include <thread>
 
+#include "res/resource.h"
 #include "tests/support/Calls.h"
-#include "tests/support/TestDialogs.h"
 #include "tests/support/Windows.h"
 
 namespace
@@ -17,15 +17,13 @@ class CPage : public CDialog
 {
 public:
     CString m_strText = L"text";
-    int m_bIcon = 0;
-    int m_nKind = 2;
+    int m_bStart = 0;
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override
     {
-        DDX_Text(pDX, IDC_TEST_EDIT, m_strText);
-        DDX_Check(pDX, IDC_TEST_BOX, m_bIcon);
-        DDX_Radio(pDX, IDC_TEST_RADIO, m_nKind);
+        DDX_Text(pDX, IDC_GROUP_NAME, m_strText);
+        DDX_Check(pDX, IDC_GROUP_AUTOSTART, m_bStart);
     }
     DECLARE_MESSAGE_MAP()
 };
@@ -36,7 +34,7 @@ END_MESSAGE_MAP()
 class CModal : public CDialog
 {
 public:
-    CModal() : CDialog(IDD_TEST_FRAME) {}
+    CModal() : CDialog(IDD_SETUP) {}
     BOOL OnInitDialog() override
     {
         EXPECT_FALSE(GetParent()->IsWindowEnabled());
@@ -51,8 +49,9 @@ protected:
     void SetUp() override
     {
         AfxGetApp()->m_pMainWnd = &m_frame;
-        ASSERT_TRUE(m_frame.Create(IDD_TEST_FRAME));
-        ASSERT_TRUE(m_page.Create(IDD_TEST_PAGE)); // of the main window
+        ASSERT_TRUE(m_frame.Create(IDD_SETUP));
+        ASSERT_TRUE(m_page.Create(IDD_GROUP)); // of the main window
+        m_frame.ShowWindow(SW_SHOW);
         m_page.ShowWindow(SW_SHOW);
         Pump();
     }
@@ -160,12 +159,15 @@ TEST_F(Mfc, LockHoldsTheMutexForItsLifeAlsoAfterADeadOwner)
 
 TEST_F(Mfc, BoxCarriesTheNameAndAnIconAndBelongsToTheMainWindow)
 {
-    const CBoxes recorder({ IDYES });
+    const CCalls calls({ { "MessageBoxW", [this](CALL& call)
+                           {
+                               EXPECT_EQ(HWND(call.args[0]), m_frame);
+                               EXPECT_STREQ(call.Text(1), L"Lumacap 8");
+                               EXPECT_STREQ(call.Text(2), L"Lumacap 8");
+                               EXPECT_EQ(call.args[3], 0x34u);
+                               return IDYES;
+                           } } });
     EXPECT_EQ(AfxMessageBox(1, MB_YESNO), IDYES);
-    const RECORDED_BOX& box = recorder.boxes.at(0);
-    EXPECT_EQ(box.nStyle, UINT(MB_YESNO | MB_ICONEXCLAMATION));
-    EXPECT_EQ(box.strText + box.strCaption, L"Lumacap 8Lumacap 8");
-    EXPECT_EQ(box.hOwner, m_frame);
 }
 
 TEST_F(Mfc, ModalDialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuits)
@@ -183,26 +185,21 @@ TEST_F(Mfc, ModalDialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuits)
 TEST_F(Mfc, PageExchangesDataAndPassesOnWhatItDoesNotTake)
 {
     const CWindowDriver driver(m_frame);
-    EXPECT_EQ(driver.Look(), L" | &Next > | Cancel | text | ( ) &Icon | ( ) first | label | ( ) second | (x) third | "
-                             L"( ) other");
-
+    EXPECT_EQ(driver.Text(IDC_GROUP_NAME), L"text");
     std::wstring strActs;
     AfxGetApp()->m_pszHelpFilePath = _wcsdup(L"C:\\windows");
     const CCalls calls(
         { { "EndDialog", [&](CALL& call) { return strActs += std::to_wstring(call.args[1]), TRUE; } },
           { "WinHelpW", [&](CALL& call) { return strActs += call.Text(1) + std::to_wstring(call.args[2]), TRUE; } } });
-    driver.SetText(IDC_TEST_EDIT, std::wstring(5000, L'x'));
-    for (const int nId : { IDC_TEST_BOX, IDC_TEST_RADIO + 1, IDC_TEST_OTHER })
-        m_page.GetDlgItem(nId)->SendMessage(BM_CLICK);
+    driver.SetText(IDC_GROUP_NAME, std::wstring(5000, L'x'));
+    m_page.GetDlgItem(IDC_GROUP_AUTOSTART)->SendMessage(BM_CLICK);
     m_page.SendMessage(WM_COMMAND, IDOK);
     EXPECT_EQ(m_page.m_strText.GetLength(), 5000);
-    EXPECT_EQ(m_page.m_bIcon, 1);
-    EXPECT_EQ(m_page.m_nKind, 1);
+    EXPECT_EQ(m_page.m_bStart, 1);
 
-    for (const auto& [nFocus, nKey] :
-         { std::make_pair(IDC_TEST_RADIO + 1, VK_TAB), { IDC_TEST_EDIT, VK_RETURN }, { IDC_TEST_EDIT, VK_ESCAPE } })
+    for (const int nKey : { VK_RETURN, VK_ESCAPE })
     {
-        m_page.GetDlgItem(nFocus)->SetFocus();
+        m_page.GetDlgItem(IDC_GROUP_NAME)->SetFocus();
         driver.Press(nKey);
         Pump();
     }

@@ -1,12 +1,12 @@
 // The checker of packages against the engine: what it plans is what an install creates and a removal and a restart
 // leave, and what it finds fault with. The checker runs as a program of its own, the engine in this process.
 #include <algorithm>
-#include <random>
 #include <tuple>
 
 #include "app/RunState.h"
 #include "install/InstallDriver.h"
 #include "tests/support/Calls.h"
+#include "tests/support/Dice.h"
 #include "tests/support/Programs.h"
 #include "tests/support/World.h"
 #include "uninstall/UninstallDriver.h"
@@ -43,72 +43,55 @@ std::string Findings(const CHECKED& checked)
     return Bytes(Join(findings));
 }
 
-// Lists for what a random one meets too rarely, each over a package with all files.
-const char* const kLists[] = {
-    "File Copy: a.txt\nMake Dir: d\nMake Dir: d\\d\nMake Dir: d\\d\\f\nFile Del: d\\.\nMake Dir: x32\n"
-    "File Copy: a.txt > x32\\..\\y\nFile Copy: a.txt > n*\nFile Copy: sub/*.txt\nFile Copy: b.txt > sub/b.lnk\n"
-    "File Copy: b.txt > sub/c.txt\nFile Copy: install.log",
-    "File Copy: a.txt\nMake Dir: LumUnInst.log\nMake Dir: a.txt\nMake Dir: q*\nFile Copy: b.txt > b > c\n"
-    "File Copy: b.txt > *.json\nFile Copy: c.dat\nFile Copy:  > c.dat\nFile Copy: sub\\a.txt\nFile Del: sub\n"
-    "File Copy: sub > a.txt\nFile Del: sub\\a.txt|remark\nFile Copy: b.txt > sub.old\nMake Dir: sub\nFile Copy: s*",
-    "File Copy: a.txt >\nFile Copy: a.txt > new\\\nFile Copy: sub\\a.txt\nFile Copy: a.txt > sub\\\nMake Dir: sub\n"
-    "File Copy: c.dat > b.txt\\\nFile Copy: b.txt > new/\nFile Del: *.new\nFile Copy: a.txt > install.log",
-};
-
 // A package from a number: some of the files, and records that meet them, miss them, and get into each other's way.
 class CGenerator
 {
 public:
-    explicit CGenerator(unsigned int nSeed) : m_random(nSeed) {}
+    explicit CGenerator(unsigned int nSeed) : m_dice(nSeed) {}
 
-    // Of a given list, or of a random one.
-    void Make(const std::wstring& strFolder, const char* pszList)
+    void Make(const std::wstring& strFolder)
     {
         for (const std::wstring& strFile :
              Split(L"a.txt|b.txt|c.dat|d.dll|LumUnInst.exe|sub\\s.dll|sub\\t.txt|sub\\a.txt|sub\\deep\\u.txt|"
-                   L"sub\\deep\\v.dat|x64\\w.dll|other\\z.txt",
+                   L"sub\\deep\\v.dat|x64\\w.dll|other\\z.txt|install.log",
                    L'|'))
-            if (pszList != nullptr || Below(5) > 0 || strFile == L"LumUnInst.exe")
+            if (!m_dice.OneIn(5) || strFile == L"LumUnInst.exe")
                 // A removal reads it if an install gives the file the name of the second list.
-                WriteBytes(strFolder + L"\\" + strFile, "File Del: Lum*.log");
-        if (pszList != nullptr)
-            WriteBytes(strFolder + L"\\install.log", "File Del: sub\\c.txt");
+                WriteBytes(strFolder + L"\\" + strFile, OneOf(L"File Del: Lum*.log@File Del: sub\\c.txt"));
         WriteBytes(strFolder + L"\\Lumacap8.exe", "product");
-        std::string strList = pszList != nullptr ? pszList : "";
-        for (int nLines = pszList != nullptr ? 0 : 4 + Below(14); nLines > 0; nLines--)
-            strList += Line() + (Below(4) > 0 ? "\r\n" : "  \n");
+        std::string strList;
+        for (unsigned int nLines = 4 + m_dice.Below(14); nLines > 0; nLines--)
+            strList += Line() + (m_dice.OneIn(4) ? "  \n" : "\r\n");
         WriteBytes(strFolder + L"\\LumUnInst.log", strList + "\nFile Copy: LumUnInst.exe");
     }
 
 private:
-    int Below(int nEnd) { return static_cast<int>(m_random() % nEnd); }
-
-    std::string OneOf(const wchar_t* pszTexts)
-    {
-        const TEXTS texts = Split(pszTexts, L'@');
-        return Bytes(texts[Below(static_cast<int>(texts.size()))]);
-    }
+    std::string OneOf(const wchar_t* pszTexts) { return m_dice.OneOf(Split(pszTexts, L'@')); }
 
     std::string Line()
     {
-        const int nLine = Below(20);
+        const unsigned int nLine = m_dice.Below(20);
         if (nLine < 4)
-            return "Make Dir: " + OneOf(L"d@d\\e@d\\e\\f@sub@Sub\\Deep@x64@x32@new@p\\q@d/g@other@..\\out");
+            return "Make Dir: " +
+                   OneOf(L"d@d\\e@d\\e\\f@sub@Sub\\Deep@x64@x32@new@p\\q@d/g@other@..\\out@LumUnInst.log@"
+                         L"a.txt@q*");
         if (nLine < 6)
             return OneOf(L"File Del: @File Overwrite: ") +
-                   OneOf(L"*.txt@x.txt@sub\\*@*.*@d@d\\*.*@*.log | note@???.*@SUB\\?.*@sub/s.dll@..\\out.txt@new\\*");
+                   OneOf(L"*.txt@x.txt@sub\\*@*.*@d@d\\*.*@*.log | "
+                         L"note@???.*@SUB\\?.*@sub/s.dll@..\\out.txt@new\\*@d\\.@sub@"
+                         L"*.new@sub\\a.txt|remark");
         if (nLine < 7)
             return OneOf(L"A remark@file copy: a.txt@@ File Copy: b.txt@Made Dir: nowhere@File Copy: a.txt | note");
         const std::string strPrefix = OneOf(L"File Copy: @File Copy: @File Copy x64: @File Copy ind: @File Copy prt: ");
         if (nLine < 13)
-            return strPrefix + OneOf(L"a.txt@b.txt@c.dat@d.dll@sub\\s.dll@sub\\deep\\u.txt") + OneOf(L" > @>") +
+            return strPrefix + OneOf(L"a.txt@b.txt@c.dat@d.dll@sub\\s.dll@sub\\deep\\u.txt@sub@") + OneOf(L" > @>") +
                    OneOf(L"x.txt@sub\\x.txt@new\\x.txt@A.TXT@c.dat@sub@d@..\\out.txt@d/x.txt@new\\@sub\\@x64\\a.txt@"
-                         L"d\\e\\y.txt@z . ");
+                         L"d\\e\\y.txt@z . @x32\\..\\y@n*@sub/b.lnk@b > c@*.json@@install.log@b.txt\\@sub.old");
         return strPrefix + OneOf(L"a.txt@b.txt@*.txt@a.*@?.TXT@*.d*@sub\\*.dll@sub\\*@x64\\*@sub\\deep\\*.*@*@*.*@s*@"
                                  L"sub/s.dll@sub/*.txt@missing.txt@other@Lum*@LumUnInst.exe@..\\none.txt");
     }
 
-    std::mt19937 m_random;
+    CDice m_dice;
 };
 
 class Pkgcheck : public World
@@ -138,7 +121,8 @@ protected:
             if (strLine[0] != L' ')
                 sections.emplace_back();
             else
-                sections.back().push_back(strLine.substr(15) + (strLine.compare(2, 6, L"folder") == 0 ? L"\\" : L""));
+                sections.back().push_back(L"+ " + strLine.substr(15) +
+                                          (strLine.compare(2, 6, L"folder") == 0 ? L"\\" : L""));
         }
         for (TEXTS& section : sections)
             std::sort(section.begin(), section.end());
@@ -149,6 +133,8 @@ protected:
     {
         for (const wchar_t* pszName : { L"Programs", L"Desktop" })
         {
+            for (const wchar_t* pszUsers : { L"\\all\\", L"\\user\\" })
+                WriteBytes(Place(nSeed) + pszUsers + pszName + L"\\keep", "");
             MoveFolder(HKEY_LOCAL_MACHINE, std::wstring(L"Common ") + pszName, Place(nSeed) + L"\\all\\" + pszName);
             MoveFolder(HKEY_CURRENT_USER, pszName, Place(nSeed) + L"\\user\\" + pszName);
         }
@@ -157,19 +143,11 @@ protected:
     // What stands in the place, and didn't before the install.
     std::string Created(unsigned int nSeed) const
     {
-        TEXTS created;
-        for (const std::wstring& strPath : ListTree(Place(nSeed)))
-            if (strPath.compare(0, 8, L"package\\") != 0 &&
-                std::wstring(
-                    L"|all\\|all\\Programs\\|all\\Desktop\\|user\\|user\\Programs\\|user\\Desktop\\|to\\|to\\up\\|")
-                        .find(L"|" + strPath + L"|") == std::wstring::npos)
-                created.push_back(strPath);
-        return Bytes(Join(created, L"\n"));
+        return Bytes(Join(Difference(m_before.at(nSeed), ListTree(Place(nSeed))), L"\n"));
     }
 
     void Install(unsigned int nSeed) const
     {
-        const CLaunches launches;
         ResetProgramState();
         g_strSourceDir = (Place(nSeed) + L"\\package").c_str();
         g_strInstDir = (Place(nSeed) + L"\\to\\up\\target").c_str();
@@ -182,11 +160,12 @@ protected:
     // What the second stage of a removal does.
     void Remove(unsigned int nSeed) const
     {
-        const CLaunches launches;
         const std::wstring strFolder = Place(nSeed) + L"\\to\\up\\target\\";
         EXPECT_TRUE(DeleteFileW((strFolder + L"LumUnInst.exe").c_str()));
         RunUninstall(strFolder.c_str());
     }
+
+    std::vector<TEXTS> m_before;
 };
 
 } // namespace
@@ -195,14 +174,16 @@ protected:
 TEST_F(Pkgcheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
 {
     TEXTS leftByPlan;
-    for (unsigned int nSeed = 0; nSeed < 36; nSeed++)
+    for (unsigned int nSeed = 0; nSeed < 60; nSeed++)
     {
-        CGenerator(nSeed).Make(Place(nSeed) + L"\\package", nSeed < std::size(kLists) ? kLists[nSeed] : nullptr);
+        CGenerator(nSeed).Make(Place(nSeed) + L"\\package");
         SCOPED_TRACE(ReadBytes(Place(nSeed) + L"\\package\\LumUnInst.log"));
-        MakeFolder(Place(nSeed) + L"\\to\\up");
+        WriteBytes(Place(nSeed) + L"\\to\\up\\keep", "");
         MoveFolders(nSeed);
+        m_before.push_back(ListTree(Place(nSeed)));
         const std::vector<TEXTS> plan = PlanOf(nSeed);
         ASSERT_EQ(plan.size(), 3u);
+        const CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } } });
         Install(nSeed);
         EXPECT_EQ(Created(nSeed), Bytes(Join(plan[0], L"\n")));
         Remove(nSeed);
@@ -210,7 +191,7 @@ TEST_F(Pkgcheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
         leftByPlan.push_back(Join(plan[2], L"\n"));
     }
     RestartMachine();
-    for (unsigned int nSeed = 0; nSeed < 36; nSeed++)
+    for (unsigned int nSeed = 0; nSeed < 60; nSeed++)
         EXPECT_EQ(Created(nSeed), Bytes(leftByPlan[nSeed])) << nSeed;
 }
 
@@ -221,27 +202,52 @@ TEST_F(Pkgcheck, FindsWhatIsWrongWithEachLine)
     const wchar_t* const kCases[] = {
         L"",
         // How a line is written
-        L"File Del: {501}\nFile Copy: {501} => long-line\n{511}File Del: x => long-line\n{600}\n{511}file copy: x\n"
-        L" File Copy: Lumacap8.exe => near-miss\nFile Copy:Lumacap8.exe => near-miss\n"
-        L"File\tCopy X64 : Lumacap8.exe => near-miss\nFile Copy is a remark\nmade dir: x => near-miss\n"
-        L"File Copy: => near-miss\nFile Del:  | texts => near-miss\nMade Dir: C:\\Games => install-made\n"
-        L"Shell Link: C:\\a.lnk => install-made\nMake Dir: Lang | texts => tail\nFile Del: Lang\\..\\x.txt\n"
-        L"File Copy: Lumacap8.exe > \\l.exe => absolute\nMake Dir: C:\\a => absolute\n"
-        L"File Del: Lang/../../x.txt => climbing, forward-slash\nFile Copy: ..\\x.txt > y.txt => climbing\n"
-        L"File Copy: Lumacap8.exe > Lang\\ => empty-target\nFile Copy: *.dll > one.dll => mask-renamed\n"
-        L"File Copy x64: Lang/English.txt => forward-slash\nFile Copy: Lumacap8.exe > Lang/l.exe => forward-slash\n"
-        L"Make Dir: Lang\\english.txt => impossible-name\nMake Dir: a? => impossible-name\n"
-        L"File Copy: Lumacap8.exe > ab:c => impossible-name\nFile Del: foo.txt|remark => impossible-name\n"
+        LR"(File Del: {501}
+File Copy: {501} => long-line
+{511}File Del: x => long-line
+{511}file copy: x
+ File Copy: Lumacap8.exe => near-miss
+File	Copy X64 : Lumacap8.exe => near-miss
+File Copy is a remark
+made dir: x => near-miss
+File Del:  | texts => near-miss
+Made Dir: C:\Games => install-made
+Make Dir: Lang | texts => tail
+File Del: Lang\..\x.txt
+File Copy: Lumacap8.exe > \l.exe => absolute
+File Del: Lang/../../x.txt => climbing, forward-slash
+File Copy: ..\x.txt > y.txt => climbing
+File Copy: Lumacap8.exe > Lang\ => empty-target
+File Copy: *.dll > one.dll => mask-renamed
+File Copy x64: Lang/English.txt => forward-slash
+File Copy: Lumacap8.exe > Lang/l.exe => forward-slash
+Make Dir: Lang\english.txt => impossible-name
+Make Dir: a? => impossible-name
+File Copy: Lumacap8.exe > ab:c => impossible-name
+File Del: foo.txt|remark => impossible-name)",
         L"File Copy: Gr\u00C3\u00BCn.txt => text-format\nFile Copy: Gr\u00FCn.txt => no-match\n"
         L"File Del: a | Gr\u00C3\u00BCn",
         // What an install and a removal make of it
-        L"Make Dir: B/C => made-too-early\nMake Dir: B\nMake Dir: B\\C\nMake Dir: B\\D\nMake Dir: B\n"
-        L"File Copy x64: Lang\\English.txt > Lumacap8.exe\n"
-        L"File Copy: Lang\\English.txt > Lumacap8.exe => written-twice\nFile Copy:  > y => no-match\n"
-        L"File Copy: Lang > y => no-match\nFile Copy ind: Lang/English.txt > E.txt => library-test\n"
-        L"File Copy prt: Lumacap8.exe > Tools\\l.exe => renamed-too-early\nMake Dir: LumUnInst.log => list-named\n"
-        L"File Del: Lang => folder-caught\nMake Dir: T\nFile Copy: Lumacap8.exe > T => target-is-folder\n"
-        L"Make Dir: A\nMake Dir: A/B\nMake Dir: A\nMake Dir: O => parent-first\nMake Dir: O\\I",
+        LR"(Make Dir: B/C => made-too-early
+Make Dir: B
+Make Dir: B\C
+Make Dir: B\D
+Make Dir: B
+File Copy x64: Lang\English.txt > Lumacap8.exe
+File Copy: Lang\English.txt > Lumacap8.exe => written-twice
+File Copy:  > y => no-match
+File Copy: Lang > y => no-match
+File Copy ind: Lang/English.txt > E.txt => library-test
+File Copy prt: Lumacap8.exe > Tools\l.exe => renamed-too-early
+Make Dir: LumUnInst.log => list-named
+File Del: Lang => folder-caught
+Make Dir: T
+File Copy: Lumacap8.exe > T => target-is-folder
+Make Dir: A
+Make Dir: A/B
+Make Dir: A
+Make Dir: O => parent-first
+Make Dir: O\I)",
         L"File Copy: * => folder-caught, list-named",
         L"\x1A => end-mark\n\x1A",
     };
@@ -254,7 +260,7 @@ TEST_F(Pkgcheck, FindsWhatIsWrongWithEachLine)
         TEXTS expected;
         for (std::wstring strLine : Split(strCase, L'\n'))
         {
-            for (const int cch : { 501, 511, 600 })
+            for (const int cch : { 501, 511 })
                 strLine = Replaced(strLine, L"{" + std::to_wstring(cch) + L"}", std::wstring(cch, L'x'));
             const size_t nArrow = strLine.find(L" => ");
             nLine++;
