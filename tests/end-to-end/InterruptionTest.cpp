@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "app/RunState.h"
+#include "foundation/SystemFacts.h"
 #include "tests/support/Calls.h"
 #include "tests/support/Programs.h"
 #include "tests/support/World.h"
@@ -66,10 +67,7 @@ protected:
         // The system notes down each of its folders when somebody asks for it first, which not every run does.
         for (const int nFolder : { CSIDL_PROGRAMS, CSIDL_STARTUP, CSIDL_DESKTOP, CSIDL_COMMON_PROGRAMS,
                                    CSIDL_COMMON_STARTUP, CSIDL_COMMON_DESKTOPDIRECTORY })
-        {
-            wchar_t szFolder[MAX_PATH];
-            SHGetFolderPathW(nullptr, nFolder, nullptr, SHGFP_TYPE_CURRENT, szFolder);
-        }
+            GetSpecialFolder(nFolder);
         Run(m_setup);
         m_installed = TakePicture();
         Run(m_setup);

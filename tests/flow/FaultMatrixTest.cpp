@@ -282,7 +282,8 @@ int RunCases()
         printf("> %d %ls\n", nCase, strCase.c_str());
         fflush(stdout);
         EXPECT_EQ(CFaultRun().Run(strCase), strOutcome) << strCase;
-        MoveFileW(L"C:\\corner", (L"C:\\" + std::to_wstring(nCase)).c_str()); // quicker than to remove it
+        // Quicker than to remove it.
+        MoveFileW(L"C:\\corner", (L"C:\\" + std::to_wstring(nCase)).c_str());
     }
     for (const auto& [strName, bFailed] : s_calls)
         EXPECT_TRUE(bFailed || nFirst != 1 || std::regex_search(strName, kExcused)) << Bytes(strName);

@@ -212,7 +212,8 @@ TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
 {
     MoveFolder(HKEY_LOCAL_MACHINE, L"Common Programs", At(L"c"));
     PutPackage();
-    Walk("Shell Link: a", KIND_ALL_USERS); // what is allocated, or noted down by the system, once and for all
+    // What is allocated, or noted down by the system, once and for all.
+    Walk("Shell Link: a", KIND_ALL_USERS);
     const TEXTS earlier = TakePicture();
     DWORD anHandles[2] = {};
     GetProcessHandleCount(GetCurrentProcess(), &anHandles[0]);

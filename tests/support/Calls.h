@@ -18,11 +18,14 @@ struct CALL
     void* pfnFunction;
 
     const wchar_t* Text(int nArgument) const { return reinterpret_cast<const wchar_t*>(args[nArgument]); }
-    INT_PTR Pass() const; // makes the call, with up to twelve arguments; calls that come of it are seen
+    // Makes the call, with up to twelve arguments; calls that come of it are seen.
+    INT_PTR Pass() const;
 };
 
-using HANDLER = std::function<INT_PTR(CALL&)>;        // gives the call's result
-using WATCHER = std::function<bool(CALL&, INT_PTR&)>; // true: the call isn't made and has that result
+// Gives the call's result.
+using HANDLER = std::function<INT_PTR(CALL&)>;
+// True: the call isn't made and has that result.
+using WATCHER = std::function<bool(CALL&, INT_PTR&)>;
 
 // Leads the functions that this program imports through entries, for good. Comes first in the program, since the
 // compiler may keep an address from the table.
@@ -45,7 +48,8 @@ public:
     // order of their making.
     void OnAll(WATCHER watcher);
 
-    int Count(const std::string& strName) const; // of calls since the object was made, failing ones too
+    // Of calls since the object was made, failing ones too.
+    int Count(const std::string& strName) const;
 
     // An entry of that name in front of a function that isn't imported. It stays for good.
     static void* EntryOf(const std::string& strName, void* pfn);

@@ -15,25 +15,33 @@ void Fail(const std::string& strWhat);
 
 // A folder of the host, as this machine sees it; no trailing backslash.
 std::wstring BuildFolder();
-std::wstring
-ProductOfVersion(const std::wstring& strVersion); // "8.19.9.0", ..., "none": path of a product's executable
+// Path of the product's executable in that version: "8.19.9.0", ..., or "none", which has no version.
+std::wstring ProductOfVersion(const std::wstring& strVersion);
 
-TEXTS Split(const std::wstring& strText, wchar_t chSeparator); // none of an empty text
+// An empty text has no parts.
+TEXTS Split(const std::wstring& strText, wchar_t chSeparator);
 std::wstring Join(const TEXTS& texts, const wchar_t* pszBetween = L"|");
-std::wstring Replaced(std::wstring strText, const std::wstring& strFrom, const std::wstring& strTo); // all of them
-std::string Bytes(const std::wstring& strText); // a byte a character, `?` above 0xFF
-std::wstring Wide(const std::string& strBytes); // a character a byte
+std::wstring Replaced(std::wstring strText, const std::wstring& strFrom, const std::wstring& strTo);
+// Characters to bytes and back, one by one; what is above 0xFF becomes a `?`.
+std::string Bytes(const std::wstring& strText);
+std::wstring Wide(const std::string& strBytes);
 
-bool IsThere(const std::wstring& strPath);       // a file or a folder
-DWORD AttributesOf(const std::wstring& strPath); // INVALID_FILE_ATTRIBUTES for a path that isn't there
+// A path is that of a file or of a folder. What is written or copied gets its folder with it.
+bool IsThere(const std::wstring& strPath);
+// INVALID_FILE_ATTRIBUTES for a path that isn't there.
+DWORD AttributesOf(const std::wstring& strPath);
 void SetAttributes(const std::wstring& strPath, DWORD nAttributes);
-void MakeFolder(const std::wstring& strPath);                              // with its parents
-void WriteBytes(const std::wstring& strPath, const std::string& strBytes); // with its folder
-std::string ReadBytes(const std::wstring& strPath); // also of a file that others hold open for writing
-void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo); // with its folder
-void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);    // the content of a folder
-void RemoveTree(const std::wstring& strPath);  // a file too, read-only ones; nothing if it isn't there
-TEXTS ListTree(const std::wstring& strFolder); // sorted relative paths, folders end in a backslash; none if missing
+void MakeFolder(const std::wstring& strPath);
+void WriteBytes(const std::wstring& strPath, const std::string& strBytes);
+// Reads files that others hold open for writing too.
+std::string ReadBytes(const std::wstring& strPath);
+void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo);
+// Copies what the folder holds.
+void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);
+// Removes read-only files too, and does nothing if the path isn't there.
+void RemoveTree(const std::wstring& strPath);
+// Sorted paths relative to the folder, those of folders with a backslash at their end. None without the folder.
+TEXTS ListTree(const std::wstring& strFolder);
 
 // Keeps a file open as long as the result lives. With FILE_SHARE_READ nobody can replace or remove it; with
 // FILE_SHARE_WRITE besides it can be overwritten; with 0 not even be read. With kAsImage it becomes a mapped program,
@@ -47,7 +55,8 @@ std::wstring KeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring&
 bool KeyExists(HKEY hRoot, const std::wstring& strKey);
 void SetKeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName, const std::wstring& strText);
 void MakeKey(HKEY hRoot, const std::wstring& strKey);
-void RemoveKey(HKEY hRoot, const std::wstring& strKey); // with all below it; nothing if it isn't there
+// Removes it with all below it, and does nothing if it isn't there.
+void RemoveKey(HKEY hRoot, const std::wstring& strKey);
 void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName);
 
 // Adds a line `LABEL\` for the key and each below it, and `LABEL : NAME = TEXT` for each value. Nothing without the
@@ -56,11 +65,14 @@ void FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strL
 
 // What waits for the next start, in its order: "-PATH" for a deletion, "SOURCE>TARGET" for a replacement.
 TEXTS PendingEntries();
-const wchar_t kPendingProfile[] = L"C:\\windows\\WININIT.INI"; // takes the list's place where that is blocked
-void BlockPending();                                           // no call can add to the list from here on
+// The file that takes the list's place where that is blocked.
+const wchar_t kPendingProfile[] = L"C:\\windows\\WININIT.INI";
+// No call can add to the list from here on.
+void BlockPending();
 void ClearPending();
 
-std::wstring LinkText(const std::wstring& strPath); // "TARGET in FOLDER"; "(no link)" for another file
+// "TARGET in FOLDER"; "(no link)" for another file.
+std::wstring LinkText(const std::wstring& strPath);
 
 // Sorted lines of the whole machine: its registry and, for each file and folder, `PATH = NUMBER`, where the number
 // stands for the content, `PATH -> LINK` or `PATH\`, with ` (attributes N)` behind it if it is read-only or hidden. Two
@@ -69,7 +81,8 @@ std::wstring LinkText(const std::wstring& strPath); // "TARGET in FOLDER"; "(no 
 TEXTS TakePicture();
 TEXTS Difference(const TEXTS& earlier, const TEXTS& later);
 
-void SetWindowsVersion(const std::wstring& strVersion); // "winxp64" (5.2), "vista", "win7", "win8", "win81", "win10"
+// "winxp64" (5.2), "vista", "win7", "win8", "win81", "win10".
+void SetWindowsVersion(const std::wstring& strVersion);
 
 // Moves a special folder: "Desktop", "Programs", "Startup" of HKEY_CURRENT_USER, "Common Desktop" and so on of
 // HKEY_LOCAL_MACHINE. A folder below a file makes the platform's look-up fail.

@@ -9,7 +9,8 @@
 
 #include "foundation/Owners.h"
 
-const DWORD kPatience = 20000; // milliseconds: far above what any step takes, so that only a real fault meets it
+// Milliseconds: far above what any step takes, so that only a real fault meets it.
+const DWORD kPatience = 20000;
 
 // True as soon as the condition holds; false if it doesn't within the time. It is looked at every 20 milliseconds, and
 // windows of this thread answer meanwhile.
@@ -20,7 +21,8 @@ class CProcessRun
 public:
     // Starts nothing yet. The command line goes to the program as it stands.
     explicit CProcessRun(std::wstring strCommandLine) : m_strCommandLine(std::move(strCommandLine)) {}
-    ~CProcessRun(); // ends what still runs of the program and of those that it started
+    // Ends what still runs of the program and of those that it started.
+    ~CProcessRun();
 
     // False, and the test fails, if the program can't be started.
     bool Start();
@@ -31,10 +33,13 @@ public:
     // True if the program, and all that it and its successors started, have ended within the time.
     bool WaitForFamily(DWORD nMilliseconds = kPatience);
 
-    DWORD ExitCode() const; // STILL_ACTIVE while it runs
+    // STILL_ACTIVE while it runs.
+    DWORD ExitCode() const;
     DWORD Id() const { return GetProcessId(m_process); }
-    std::vector<DWORD> FamilyIds() const; // of all running programs that it or its successors started, and its own
-    std::string Output() const;           // what they have written to standard output and standard error
+    // Of all running programs that it or its successors started, and its own.
+    std::vector<DWORD> FamilyIds() const;
+    // What they have written to standard output and standard error.
+    std::string Output() const;
     void End();
 
 private:

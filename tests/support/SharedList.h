@@ -27,7 +27,8 @@ public:
     }
 
     bool IsThere() const { return m_pList != nullptr; }
-    std::string Text() const // "LIMIT: ID ID", with a + behind it if the room that no id takes isn't zero
+    // "LIMIT: ID ID", with a + behind it if the room that no id takes isn't zero.
+    std::string Text() const
     {
         std::string strText = std::to_string(m_pList->nLimit) + ":";
         for (DWORD n = 0; n < std::size(m_pList->anIds); n++)

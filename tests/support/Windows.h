@@ -16,13 +16,17 @@ public:
     explicit CWindowDriver(HWND hWnd) : m_hWnd(hWnd) {}
 
     HWND Window() const { return m_hWnd; }
-    HWND Control(int nId) const; // in a child dialog too; of several the visible one; null if there is none
+    // In a child dialog too; of several the visible one; null if there is none.
+    HWND Control(int nId) const;
     std::wstring Text(int nId) const;
     void SetText(int nId, const std::wstring& strText) const;
     bool IsVisible(int nId) const { return IsWindowVisible(Control(nId)); }
-    int FocusId() const;           // 0 if none of its controls has it
-    void Click(int nId) const;     // fails the test if it is missing or disabled
-    void Press(WPARAM nKey) const; // to the control with the focus
+    // 0 if none of its controls has it.
+    int FocusId() const;
+    // Fails the test if it is missing or disabled.
+    void Click(int nId) const;
+    // To the control with the focus.
+    void Press(WPARAM nKey) const;
 
     // All that a user sees: the caption, and for each visible control its text, with (x) or ( ) before it where it can
     // be ticked, in parentheses where it is disabled, with | between.
@@ -38,7 +42,8 @@ private:
 // waited for until it has gone. Fails the test if none comes.
 std::wstring AnswerBox(DWORD nProcessId, int nCommand);
 
-class CTestWindow // top-level, of the test program
+// Top-level, of the test program.
+class CTestWindow
 {
 public:
     explicit CTestWindow(const wchar_t* pszCaption = L"Lumacap 8", DWORD nStyle = WS_OVERLAPPEDWINDOW,

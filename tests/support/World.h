@@ -30,7 +30,8 @@ protected:
     // The boot list in one text, parted by blanks, with paths relative to the folder, which itself is ".".
     std::wstring Pending(const std::wstring& strBelow = L"") const;
 
-    void PutPackage() const; // the sample package, in "package"
+    // The sample package, in "package".
+    void PutPackage() const;
 
     const std::wstring m_strFolder = L"C:\\corner";
 };

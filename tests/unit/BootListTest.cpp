@@ -29,8 +29,9 @@ TEST_F(BootList, LaterFailedReplacementClearsTheRebootRequest)
     EXPECT_EQ(ReadBytes(kPendingProfile), "[rename]\r\nC:\\x=C:\\y\r\nNUL=C:\\a\r\nNUL=C:\\a b=c\r\nNUL=C:\\x.new\r\n");
 
     RemoveTree(kPendingProfile);
-    MakeFolder(kPendingProfile); // it can be neither read nor written
-    DeleteAtReboot(L"C:\\b");    // has no say in it
+    // It can be neither read nor written then, in which a deletion has no say.
+    MakeFolder(kPendingProfile);
+    DeleteAtReboot(L"C:\\b");
     EXPECT_EQ(g_bRebootNeeded, 1);
     ReplaceAtReboot(L"C:\\b.new", L"C:\\b");
     EXPECT_EQ(g_bRebootNeeded, 0);

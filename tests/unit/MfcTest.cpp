@@ -50,7 +50,8 @@ protected:
     {
         AfxGetApp()->m_pMainWnd = &m_frame;
         ASSERT_TRUE(m_frame.Create(IDD_SETUP));
-        ASSERT_TRUE(m_page.Create(IDD_GROUP)); // of the main window
+        // It belongs to the main window.
+        ASSERT_TRUE(m_page.Create(IDD_GROUP));
         m_frame.ShowWindow(SW_SHOW);
         m_page.ShowWindow(SW_SHOW);
         Pump();
@@ -157,17 +158,21 @@ TEST_F(Mfc, LockHoldsTheMutexForItsLifeAlsoAfterADeadOwner)
     EXPECT_TRUE(mutex.Unlock()) << "not held";
 }
 
-TEST_F(Mfc, BoxCarriesTheNameAndAnIconAndBelongsToTheMainWindow)
+TEST_F(Mfc, BoxCarriesTheNameAndAnIconAndBelongsToThePopupOfTheMainWindow)
 {
-    const CCalls calls({ { "MessageBoxW", [this](CALL& call)
+    const CTestWindow popup(L"", WS_POPUP | WS_VISIBLE, 0, m_frame);
+    SetActiveWindow(popup);
+    const CCalls calls({ { "MessageBoxW", [&](CALL& call)
                            {
-                               EXPECT_EQ(HWND(call.args[0]), m_frame);
+                               EXPECT_EQ(HWND(call.args[0]), popup);
                                EXPECT_STREQ(call.Text(1), L"Lumacap 8");
                                EXPECT_STREQ(call.Text(2), L"Lumacap 8");
                                EXPECT_EQ(call.args[3], 0x34u);
                                return IDYES;
                            } } });
     EXPECT_EQ(AfxMessageBox(1, MB_YESNO), IDYES);
+    // The system's own boxes stay away.
+    EXPECT_EQ(GetErrorMode() & 0x8001, 0x8001u);
 }
 
 TEST_F(Mfc, ModalDialogDisablesItsOwnerAndTheEndOfTheMainWindowAloneQuits)
