@@ -121,13 +121,15 @@ portable_install() {
     picture box-portable "$box"
     answer "$box" Return
     press Tab Return
+    picture - "$browser"
+    press Left Left Left Left Down # from the installed product up to the drive, and on to the next one
     picture browse "$browser"
     answer "$browser" Return
     picture - "$wizard"
     press alt+n
     picture - "$wizard"
     press Return
-    await 'no portable product' test -s "$WINEPREFIX/$target/Lumacap 8/LumUnInst.log"
+    await 'no portable product' test -s "$machine_dir/stick/Lumacap 8/LumUnInst.log"
     picture report-portable "$wizard"
     end_setup
 }
@@ -150,6 +152,11 @@ machine_use_fonts
 mkdir -p "$images"
 echo 'Taking the pictures in docs/images (about 20 seconds)'
 cp -r build/package "$WINEPREFIX/drive_c/Package"
+# A stick for the portable installation, with a file of its owner's: under Wine, an empty one could be removed itself.
+mkdir "$machine_dir/stick"
+echo >"$machine_dir/stick/letter.txt"
+ln -s "$machine_dir/stick" "$WINEPREFIX/dosdevices/e:"
+machine_run reg add 'HKLM\Software\Wine\Drives' /v e: /d floppy /f >/dev/null
 # No web browser of the host's opens.
 machine_run reg add 'HKCR\http\shell\open\command' /ve /d 'cmd.exe /c rem' /f >/dev/null
 export LUMACAP_REPORT="Z:$machine_dir/product.txt"
