@@ -17,7 +17,36 @@ struct TREES
 {
     std::wstring strPackage;
     std::wstring strProgram; // the engine's target
-    std::wstring strPlain;   // the bare loop's
+    std::wstring strPlain;   // the loop's
+};
+
+// Of all that is measured the names end in this.
+struct COUNTERPART
+{
+    const char* pszEnd;
+    void (*pfnCopy)(const std::wstring&, const std::wstring&, int, int, ListForm);
+    void (*pfnRemove)(const std::wstring&, int, int, ListForm);
+};
+
+static const COUNTERPART kCounterparts[] = {
+    { "",
+      [](const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast, ListForm)
+      { PlainCopy(strFrom, strTo, nFirst, nLast); },
+      [](const std::wstring& strFolder, int nFirst, int nLast, ListForm) { PlainRemove(strFolder, nFirst, nLast); } },
+    { "-demanded", DemandedCopy, DemandedRemove },
+};
+
+struct ROUND
+{
+    const COUNTERPART& counterpart;
+    ListForm form;
+    int nFiles;
+    int nPair;
+
+    std::string Name(const char* pszWork) const
+    {
+        return std::string(pszWork) + (form == BY_MASKS ? "-masks" : "-records") + counterpart.pszEnd;
+    }
 };
 
 static void MakeSliceLists(const TREES& trees, int nFiles, ListForm form)
@@ -26,60 +55,43 @@ static void MakeSliceLists(const TREES& trees, int nFiles, ListForm form)
         WritePackageList(SliceList(trees.strPackage, i), trees.strPackage, i, i + kFilesInSlice, form);
 }
 
-static void AddSlice(PAIR& sum, const std::string& strName, int nFiles, const PAIR& slice)
+// Times a slice after the other, and reports each and their sum.
+template <typename Program, typename Plain>
+static void TimeSlices(const ROUND& round, const char* pszWork, Program program, Plain plain)
 {
-    Report((strName + "-slice").c_str(), nFiles, slice.dProgram, slice.dPlain);
-    sum.dProgram += slice.dProgram;
-    sum.dPlain += slice.dPlain;
+    PAIR sum = {};
+    for (int i = 0; i < round.nFiles; i += kFilesInSlice)
+    {
+        const PAIR slice = TimePair(
+            round.nPair + i / kFilesInSlice, [&] { program(i); }, [&] { plain(i, i + kFilesInSlice); });
+        Report((round.Name(pszWork) + "-slice").c_str(), round.nFiles, slice.dProgram, slice.dPlain);
+        sum.dProgram += slice.dProgram;
+        sum.dPlain += slice.dPlain;
+    }
+    Report(round.Name(pszWork).c_str(), round.nFiles, sum.dProgram, sum.dPlain);
 }
 
-static PAIR InstallSlices(const TREES& trees, int nFiles, int nPair, const std::string& strName)
+static void MeasureRound(const TREES& trees, const ROUND& round)
 {
     g_nInstallKind = KIND_ALL_USERS;
     g_strSourceDir = trees.strPackage.c_str();
     g_strInstDir = trees.strProgram.c_str();
-    PAIR sum = {};
-    for (int i = 0; i < nFiles; i += kFilesInSlice)
-    {
-        const std::wstring strList = SliceList(trees.strPackage, i);
-        AddSlice(sum, strName, nFiles,
-                 TimePair(
-                     nPair + i / kFilesInSlice, [&] { ProcessPackageList(strList.c_str()); },
-                     [&] { PlainCopy(trees.strPackage, trees.strPlain, i, i + kFilesInSlice); }));
-    }
-    return sum;
-}
+    TimeSlices(
+        round, "install", [&](int nFirst) { ProcessPackageList(SliceList(trees.strPackage, nFirst).c_str()); },
+        [&](int nFirst, int nLast)
+        { round.counterpart.pfnCopy(trees.strPackage, trees.strPlain, nFirst, nLast, round.form); });
+    for (const std::wstring& strTarget : { trees.strProgram, trees.strPlain })
+        RequireThere(strTarget + L"\\" + FileName(round.nFiles - 1));
 
-static PAIR RemoveSlices(const TREES& trees, int nFiles, int nPair, const std::string& strName)
-{
     const std::wstring strFolder = trees.strProgram + L"\\";
-    PAIR sum = {};
-    for (int i = 0; i < nFiles; i += kFilesInSlice)
+    TimeSlices(
+        round, "removal",
+        [&](int nFirst) { RemoveLoggedFiles(SliceList(trees.strPackage, nFirst).c_str(), strFolder.c_str()); },
+        [&](int nFirst, int nLast) { round.counterpart.pfnRemove(trees.strPlain, nFirst, nLast, round.form); });
+    for (const std::wstring& strTarget : { trees.strProgram, trees.strPlain })
     {
-        const std::wstring strList = SliceList(trees.strPackage, i);
-        AddSlice(sum, strName, nFiles,
-                 TimePair(
-                     nPair + i / kFilesInSlice, [&] { RemoveLoggedFiles(strList.c_str(), strFolder.c_str()); },
-                     [&] { PlainRemove(trees.strPlain, i, i + kFilesInSlice); }));
-    }
-    return sum;
-}
-
-static void MeasureForm(const TREES& trees, int nFiles, int nPairs, const char* pszInstall, const char* pszRemoval)
-{
-    for (int i = 0; i < nPairs; ++i)
-    {
-        const PAIR installed = InstallSlices(trees, nFiles, i, pszInstall);
-        RequireThere(trees.strProgram + L"\\" + FileName(nFiles - 1));
-        RequireThere(trees.strPlain + L"\\" + FileName(nFiles - 1));
-        const PAIR removed = RemoveSlices(trees, nFiles, i, pszRemoval);
-        for (const std::wstring& strTarget : { trees.strProgram, trees.strPlain })
-        {
-            RemoveDirectoryW(strTarget.c_str());
-            RequireGone(strTarget);
-        }
-        Report(pszInstall, nFiles, installed.dProgram, installed.dPlain);
-        Report(pszRemoval, nFiles, removed.dProgram, removed.dPlain);
+        RemoveDirectoryW(strTarget.c_str());
+        RequireGone(strTarget);
     }
 }
 
@@ -87,10 +99,13 @@ void MeasureFiles(const std::wstring& strFolder, int nFiles, int nPairs)
 {
     const TREES trees = { strFolder + L"\\package", strFolder + L"\\target1", strFolder + L"\\target2" };
     MakePackageFiles(trees.strPackage, nFiles);
-    MakeSliceLists(trees, nFiles, BY_MASKS);
-    MeasureForm(trees, nFiles, nPairs, "install-masks", "removal-masks");
-    MakeSliceLists(trees, nFiles, BY_RECORDS);
-    MeasureForm(trees, nFiles, nPairs, "install-records", "removal-records");
+    for (const ListForm form : { BY_MASKS, BY_RECORDS })
+    {
+        MakeSliceLists(trees, nFiles, form);
+        for (int i = 0; i < nPairs; ++i)
+            for (const COUNTERPART& counterpart : kCounterparts)
+                MeasureRound(trees, { counterpart, form, nFiles, i });
+    }
     for (int i = 0; i < nFiles; i += kFilesInSlice)
         DeleteFileW(SliceList(trees.strPackage, i).c_str());
     PlainRemove(trees.strPackage, 0, nFiles);

@@ -18,6 +18,12 @@ void MeasureLines(const std::wstring& strFolder, int nLines, int nPairs);
 void MeasureProcesses(const std::wstring& strFolder, int nFiles, int nPairs, const std::wstring& strProduct,
                       const std::wstring& strPrograms);
 
+// setup.exe and its uninstaller against another installer of the same files: the package is made first, of which
+// that installer is then made as other.exe, in the folder itself, with its remove.exe. An install is timed from its
+// start to its end, a removal from the first vanished file to the last.
+void MakeInstallersPackage(const std::wstring& strFolder, int nFiles, const std::wstring& strProduct);
+void MeasureInstallers(const std::wstring& strFolder, int nFiles, int nPairs);
+
 // Peak working sets in bytes, against that of the empty program.
 void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct, const std::wstring& strPrograms);
 

@@ -4,12 +4,20 @@
 #include <initializer_list>
 #include <string>
 
+#include "bench/Package.h"
+
 // Makes the target folder and those in it and copies by CopyFileW the files from the first number up to the last, that
 // one left out. Both are multiples of kFilesInFolder.
 void PlainCopy(const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast);
 
 // Deletes the files of these numbers by DeleteFileW, then their folders by RemoveDirectoryW; the folder itself stays.
 void PlainRemove(const std::wstring& strFolder, int nFirst, int nLast);
+
+// The same with the calls that an engine can't do without where it replaces whatever stands at a target, takes any name
+// for a mask and removes protected files too: a search for each record of a list of that form and a look at each source
+// and target, or at each file's attributes.
+void DemandedCopy(const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast, ListForm form);
+void DemandedRemove(const std::wstring& strFolder, int nFirst, int nLast, ListForm form);
 
 // Reads the list by fgetws and looks by FindFirstFileW, in the folder, for the file of each line that begins with one
 // of the prefixes: what finds nothing needs no more.

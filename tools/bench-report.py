@@ -18,13 +18,21 @@ FIGURES = {
     "lines-install": ("lines", "list at install"),
     "lines-removal": ("lines", "list at removal"),
 }
+FILE_FIGURES = list(FIGURES)[:4]
 
 DEFINITIONS = """\
 - **Files**: 2,000 of 80 KiB, fifty a folder. The ratio is that of the engine's own functions (`ProcessPackageList`,
-  `RemoveLoggedFiles`), called in one process, to a bare loop over the same files: `CopyFileW`, or `DeleteFileW` and then
-  `RemoveDirectoryW`. The list is worked through in slices of 200 files and the loop takes its turn after each, in
-  alternating order; the ratio is the median of all slices' ratios, ten in each run. So neither the start of a process
-  nor registry, links and pauses are in it.
+  `RemoveLoggedFiles`), called in one process, to a loop over the same files of just the calls that are demanded: a search
+  for each record, a look at each source and target, `CopyFileW`; or a search, a look at each file's attributes,
+  `DeleteFileW` and then `RemoveDirectoryW`. The list is worked through in slices of 200 files and the loop takes its turn
+  after each, in alternating order; the ratio is the median of all slices' ratios, ten in each run. So neither the start
+  of a process nor registry, links and pauses are in it.
+- **Bare loops**: the same against `CopyFileW`, or `DeleteFileW` and `RemoveDirectoryW`, alone. An engine that replaces
+  whatever stands at a target and takes any name for a mask can't come to that, so this has no bound.
+- **Another installer**: one of the same files by NSIS, 64-bit, without compression and pages, in turns with `setup.exe
+  -install -s` and its `LumUnInst.exe`. An install is timed from the program's start to the end of all that it started.
+  A removal is timed from the first vanished file to the last, so that its pauses aren't in it; the other's is one sweep
+  of a folder, which looks at no list. The ratio is the median of all rounds.
 - **Whole programs**: `setup.exe -install -s` and the product's `-regonly`, `LumUnInst.exe` until its second stage has
   ended, and a windowed program with the bare loop. The same with a package of no files gives the fixed part: registry,
   links, the product's start, and a removal's pauses. Net is the difference of the two.
@@ -74,9 +82,10 @@ def output_of(*command):
 
 
 def hold_files(report):
-    for name, bound in (("install-masks", 1.05), ("install-records", 1.10),
-                        ("removal-masks", 1.10), ("removal-records", 1.10)):
-        report.most(f"{FIGURES[name][1]}, to bare loop", bound, report.ratio(name + "-slice"), digits=3)
+    for name in FILE_FIGURES:
+        report.most(f"{FIGURES[name][1]}, to the demanded calls", 1.05, report.ratio(name + "-demanded-slice"), digits=3)
+    for name, bound in zip(FILE_FIGURES, (0.85, 1.00, 0.80, 1.25)):
+        report.most(f"{FIGURES[name][1]}, to another installer", bound, report.ratio("other-" + name))
 
 
 def hold_lines(report):
@@ -91,7 +100,7 @@ def hold_lines(report):
 
 def hold_memory(report):
     report.most("peak working set of a silent install above the empty program's", 6, report.above("peak-silent", 100), " MB")
-    report.most("peak working set of the wizard's first page above an empty window's", 6,
+    report.most("peak working set of the wizard's first page above an empty window's", 1,
                 report.above("peak-page-to-window", 100), " MB")
 
 
@@ -130,20 +139,13 @@ def calls(report):
     return lines
 
 
-def floors(report):
-    """What the calls that no install or removal can do without come to, with no engine around them."""
-    def of(name): return f"{report.ratio('needed-' + name):.2f}"
-    return (f"A loop of these calls alone, measured against the bare loop as the engine is, comes to a ratio of "
-            f"{of('install-masks')} for an install by masks and {of('install-records')} with a record a file, of "
-            f"{of('removal-masks')} for a removal by masks and {of('removal-records')} with a record a file.")
-
-
 def write_report(report, sections, folder):
-    spread = ["| all 2,000 files | seconds | plain | lowest ratio | median | highest |", "|---|---|---|---|---|---|"]
-    for name in list(FIGURES)[:4]:
-        ratios = sorted(program / plain for program, plain in report.pairs(name, FILES))
-        spread.append(f"| {FIGURES[name][1]} | {report.program(name, FILES) / 1e6:.2f} | "
-                      f"{report.plain(name, FILES) / 1e6:.2f} | {ratios[0]:.2f} | {median(ratios):.2f} | {ratios[-1]:.2f} |")
+    spread = ["| all 2,000 files | seconds | of the other | lowest ratio | median | highest |", "|---|---|---|---|---|---|"]
+    for name in FILE_FIGURES:
+        for key, other in ((name + "-demanded", "the demanded calls"), (name, "a bare loop"), ("other-" + name, "another installer")):
+            ratios = sorted(program / plain for program, plain in report.pairs(key, FILES))
+            spread.append(f"| {FIGURES[name][1]}, to {other} | {report.program(key, FILES) / 1e6:.2f} | "
+                          f"{report.plain(key, FILES) / 1e6:.2f} | {ratios[0]:.2f} | {median(ratios):.2f} | {ratios[-1]:.2f} |")
     memory = [f"- {what}: {report.program(name, 100) / 2**20:.1f} MB, {report.above(name, 100):.1f} MB above the empty program"
               for what, name in (("silent install for all users", "peak-silent"),
                                  ("silent portable install", "peak-portable"), ("wizard, first page", "peak-page"))]
@@ -155,8 +157,7 @@ def write_report(report, sections, folder):
             "An engine that replaces whatever stands at a target and takes any name for a mask needs these calls beside the",
             "copying or deleting: one search a record, a look at each source and target, one at each file's attributes. Under Wine",
             "the search opens a folder, and the look at a missing target reads one, since the host's names tell upper from",
-            "lower case.", "", floors(report), "",
-            *calls(report), "", "## Peak working sets", "", *memory, "", "## Sections of setup.exe", "", *sizes, ""]
+            "lower case.", "", *calls(report), "", "## Peak working sets", "", *memory, "", "## Sections of setup.exe", "", *sizes, ""]
     with open(f"{folder}/report.md", "w") as file:
         file.write("\n".join(text))
 

@@ -3,7 +3,7 @@
 # build/bench/report.md with a plot. Fails if a bound is missed. usage: bench.sh [PAIRS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-tools/prerequisites.sh gnuplot-nox
+tools/prerequisites.sh gnuplot-nox nsis
 . tools/machine.sh
 pairs=${1:-9}
 bench=$PWD/build/bench
@@ -11,11 +11,16 @@ started=$SECONDS
 
 tell() { printf '%4d s  %s\n' $((SECONDS - started)) "$1"; }
 
-# usage: measure WHAT NUMBER...   in a folder of its own on the machine, which goes afterwards; results are appended
-measure() {
+# usage: run WHAT NUMBER...   in the folder C:\bench; results are appended
+run() {
     tell "$*"
     machine_run "$PWD/build/release/bench/measure.exe" "$1" 'C:\bench' "${@:2}" >>"$bench/results.tsv" ||
         { cat "$machine_dir/stderr"; exit 1; }
+}
+
+# The same with a folder of its own, which goes afterwards.
+measure() {
+    run "$@"
     rm -rf "$WINEPREFIX/drive_c/bench"
 }
 
@@ -33,7 +38,7 @@ build_again() {
     )
 }
 
-echo 'Benchmark: about 7 minutes, 10 on a busy machine'
+echo 'Benchmark: about 12 minutes, 20 on a busy machine'
 rm -rf "$bench"
 mkdir -p "$bench"
 tools/build.sh release
@@ -55,6 +60,10 @@ done
 for lines in 10000 100000; do measure list-memory "${programs[0]}" $lines; done
 measure memory "${programs[@]}"
 measure processes 2000 "$pairs" "${programs[@]}"
+run installers-package 2000 "${programs[0]}"
+makensis -V2 -WX -DPACKAGE="$WINEPREFIX/drive_c/bench/package" -DPROGRAM="$WINEPREFIX/drive_c/bench/other.exe" \
+    bench/other.nsi
+measure installers 2000 "$pairs"
 
 tell 'planted libraries'
 planted=0
