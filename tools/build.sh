@@ -12,6 +12,6 @@ echo "Building $preset (one to three minutes the first time, seconds after that)
 cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
 if [ "$preset" = release ] && [ $# -eq 0 ]; then
     cp -f build/release/setup.exe build/setup.exe
-    cp -f build/release/pkgcheck.exe build/pkgcheck.exe
+    cp -f build/release/pkgtool.exe build/pkgtool.exe
     rm -rf build/package && cp -r build/release/package build/package
 fi

@@ -1,11 +1,11 @@
 // All that the engine would silently do wrong with a package.
-#include "tools/pkgcheck/PackageCheck.h"
+#include "tools/pkgtool/PackageCheck.h"
 
 #include "app/Product.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "install/FileVersion.h"
-#include "tools/pkgcheck/PlannedRemoval.h"
+#include "tools/pkgtool/PlannedRemoval.h"
 
 // The version lands in the program's variables. This program has these alone of them, and no run.
 unsigned int g_nVerMajor;

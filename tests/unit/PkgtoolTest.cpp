@@ -22,7 +22,7 @@ struct CHECKED
 
 CHECKED Check(const std::wstring& strArguments)
 {
-    CProcessRun run(BuildFolder() + L"\\pkgcheck.exe " + strArguments);
+    CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
     EXPECT_TRUE(run.Start() && run.WaitForFamily()) << Bytes(strArguments);
     return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
 }
@@ -95,7 +95,7 @@ private:
     CDice m_dice;
 };
 
-class Pkgcheck : public World
+class Pkgtool : public World
 {
 protected:
     // Each package has its own target, and folders of the machine and of the user.
@@ -110,7 +110,7 @@ protected:
                   L"<user's desktop>|user\\Desktop",
                   L'|');
         static const wchar_t* const kKinds[] = { L"user ", L"all ", L"portable " };
-        const CHECKED checked = Check(L"--plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
+        const CHECKED checked = Check(L"plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
         EXPECT_EQ(checked.nExitCode, 0u);
         std::vector<TEXTS> sections;
         for (std::wstring strLine : Split(checked.strText, L'\n'))
@@ -172,7 +172,7 @@ protected:
 } // namespace
 
 // One restart serves all packages.
-TEST_F(Pkgcheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
+TEST_F(Pkgtool, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
 {
     TEXTS leftByPlan;
     for (unsigned int nSeed = 0; nSeed < 60; nSeed++)
@@ -198,7 +198,7 @@ TEST_F(Pkgcheck, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
 
 // Behind an arrow, what the checker finds fault with in that line of a list; what isn't a line's stands behind the
 // last. {N} stands for so many characters. Each list is put behind the sample's, which is clean.
-TEST_F(Pkgcheck, FindsWhatIsWrongWithEachLine)
+TEST_F(Pkgtool, FindsWhatIsWrongWithEachLine)
 {
     const wchar_t* const kCases[] = {
         L"",
@@ -271,13 +271,13 @@ Make Dir: O\I)",
             strList += strLine.substr(0, nArrow) + L"\r\n";
         }
         WriteBytes(At(L"package\\LumUnInst.log"), strSample + Bytes(strList));
-        const CHECKED checked = Check(At(L"package"));
+        const CHECKED checked = Check(L"check " + At(L"package"));
         EXPECT_EQ(Findings(checked), Bytes(Join(expected))) << Bytes(checked.strText);
     }
 }
 
 // Of packages made of these files and a list.
-TEST_F(Pkgcheck, FindsWhatIsWrongWithAPackage)
+TEST_F(Pkgtool, FindsWhatIsWrongWithAPackage)
 {
     const std::wstring strLacks = L"|uninstaller-missing|counted-on|counted-on|counted-on|no-version"; // all of them
     const std::tuple<std::wstring, const char*, const char*> kCases[] = {
@@ -304,18 +304,18 @@ TEST_F(Pkgcheck, FindsWhatIsWrongWithAPackage)
         for (const std::wstring& strFile : Split(strFiles, L'|'))
             Make(L"q\\" + strFile);
         WriteBytes(At(L"q\\LumUnInst.log"), pszList);
-        const std::wstring strFindings = Replaced(Wide(Findings(Check(At(L"q")))), strLacks, L"");
+        const std::wstring strFindings = Replaced(Wide(Findings(Check(L"check " + At(L"q")))), strLacks, L"");
         EXPECT_EQ(Bytes(strFindings), pszFindings) << pszList;
     }
 }
 
-TEST_F(Pkgcheck, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
+TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
 {
     const std::tuple<std::wstring, DWORD, std::wstring> kCases[] = {
-        { L"--help", 0, L"usage:" },
-        { L"\"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
-        { At(L"temp"), 2, L"pkgcheck: there is no LumUnInst.log" },
-        { L"--plan none x", 2, L"pkgcheck: the kind of install is user, all or portable, and not none" },
+        { L"--help", 0, L"Checks packages" },
+        { L"check \"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
+        { L"check " + At(L"temp"), 2, L"pkgtool: there is no LumUnInst.log" },
+        { L"plan none x", 2, L"pkgtool: KIND: none not in {all,portable,user}" },
     };
     for (const auto& [strArguments, nExitCode, strBegin] : kCases)
     {

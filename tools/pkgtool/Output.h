@@ -4,5 +4,10 @@
 #include <afx.h>
 #include <stdio.h>
 
+#include <string>
+
+std::string ToUtf8(const CString& strText);
+CString FromUtf8(const std::string& strBytes);
+
 // Writes the text and a line end to the stream, which is stdout or stderr.
 void PrintLine(FILE* pStream, const wchar_t* pszText);

@@ -1,5 +1,5 @@
 // What a removal would take of a planned installation. Like the install, it follows the engine step by step.
-#include "tools/pkgcheck/PlannedRemoval.h"
+#include "tools/pkgtool/PlannedRemoval.h"
 
 #include "app/Product.h"
 #include "foundation/FolderPaths.h"

@@ -6,9 +6,9 @@
 #include <set>
 
 #include "app/RunState.h"
-#include "tools/pkgcheck/CheckedList.h"
-#include "tools/pkgcheck/FileTree.h"
-#include "tools/pkgcheck/Findings.h"
+#include "tools/pkgtool/CheckedList.h"
+#include "tools/pkgtool/FileTree.h"
+#include "tools/pkgtool/Findings.h"
 
 // The places of the group and of the desktop link, by kind; a portable install has none.
 const wchar_t* ProgramsPlace(InstallKind nKind);

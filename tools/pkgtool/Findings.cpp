@@ -1,11 +1,11 @@
 // What can be wrong with a package.
-#include "tools/pkgcheck/Findings.h"
+#include "tools/pkgtool/Findings.h"
 
 #include <limits.h>
 #include <tuple>
 
 #include "app/Product.h"
-#include "tools/pkgcheck/Output.h"
+#include "tools/pkgtool/Output.h"
 
 struct FindingText
 {

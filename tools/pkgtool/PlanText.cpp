@@ -1,9 +1,9 @@
 // A plan for people.
-#include "tools/pkgcheck/PlanText.h"
+#include "tools/pkgtool/PlanText.h"
 
 #include "app/Product.h"
-#include "tools/pkgcheck/Output.h"
-#include "tools/pkgcheck/PlannedRemoval.h"
+#include "tools/pkgtool/Output.h"
+#include "tools/pkgtool/PlannedRemoval.h"
 
 static const wchar_t* TypeOf(const TreeEntry& entry)
 {

@@ -1,5 +1,5 @@
 // A package's list as the engine reads it. The engine's own reader gives the lines; the bytes tell where they stand.
-#include "tools/pkgcheck/CheckedList.h"
+#include "tools/pkgtool/CheckedList.h"
 
 #include <string>
 #include <afx.h>

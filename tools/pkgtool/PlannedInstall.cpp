@@ -1,6 +1,6 @@
 // What an install of a package would make. The functions bear the names of the engine's own, and follow them step by
 // step: what looks odd here is odd there.
-#include "tools/pkgcheck/PlannedInstall.h"
+#include "tools/pkgtool/PlannedInstall.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // The files and folders of a planned machine.
-#include "tools/pkgcheck/FileTree.h"
+#include "tools/pkgtool/FileTree.h"
 
 #include <afx.h>
 

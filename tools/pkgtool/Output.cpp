@@ -1,12 +1,11 @@
 // The program's words.
-#include "tools/pkgcheck/Output.h"
+#include "tools/pkgtool/Output.h"
 
 #include <io.h>
 #include <string>
 #include <afx.h>
 
-// The runtime's wide output would end at the first character that the C locale lacks.
-static std::string ToUtf8(const CString& strText)
+std::string ToUtf8(const CString& strText)
 {
     const int cb = WideCharToMultiByte(CP_UTF8, 0, strText, strText.GetLength(), nullptr, 0, nullptr, nullptr);
     std::string strBytes(cb, 0);
@@ -14,6 +13,17 @@ static std::string ToUtf8(const CString& strText)
     return strBytes;
 }
 
+CString FromUtf8(const std::string& strBytes)
+{
+    const int cb = static_cast<int>(strBytes.size());
+    const int cch = MultiByteToWideChar(CP_UTF8, 0, strBytes.data(), cb, nullptr, 0);
+    CString strText;
+    MultiByteToWideChar(CP_UTF8, 0, strBytes.data(), cb, strText.GetBufferSetLength(cch), cch);
+    strText.ReleaseBuffer(cch);
+    return strText;
+}
+
+// The runtime's wide output would end at the first character that the C locale lacks.
 void PrintLine(FILE* pStream, const wchar_t* pszText)
 {
     const HANDLE hStream = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(pStream)));

@@ -1,0 +1,118 @@
+// pkgtool: what those need who make packages and who install them on many machines. Each verb reads a package with the
+// setup's own reader.
+#include <afx.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/pkgtool/Output.h"
+#include "tools/pkgtool/PackageCheck.h"
+#include "tools/pkgtool/PackageFolder.h"
+#include "tools/pkgtool/PlanText.h"
+
+struct Options
+{
+    std::string strFolder; // in UTF-8, as CLI11 wants all texts
+    std::string strKind;
+};
+
+static int CheckFolder(const Options& options)
+{
+    Package package;
+    if (!ReadPackage(FromUtf8(options.strFolder), package))
+        return EXIT_UNUSABLE;
+    CFindings findings;
+    CheckPackage(package, findings);
+    const int nFindings = findings.Print();
+    CString strSum;
+    strSum.Format(nFindings == 1 ? L"%d finding" : L"%d findings", nFindings);
+    PrintLine(stdout, strSum);
+    return nFindings > 0 ? EXIT_FINDINGS : EXIT_CLEAN;
+}
+
+static const std::map<std::string, InstallKind> kKinds = {
+    { "user", KIND_CURRENT_USER },
+    { "all", KIND_ALL_USERS },
+    { "portable", KIND_PORTABLE },
+};
+
+static int TellPlan(const Options& options)
+{
+    Package package;
+    if (!ReadPackage(FromUtf8(options.strFolder), package))
+        return EXIT_UNUSABLE;
+    PrintPlan(package, kKinds.at(options.strKind));
+    return EXIT_CLEAN;
+}
+
+// A verb is chosen while the command line is read, and carried out once it has been read to its end.
+class CCommandLine
+{
+public:
+    CCommandLine()
+    {
+        m_app.set_help_flag("-h,--help", "tell what the tool can do");
+        m_app.allow_windows_style_options(false);
+        m_app.require_subcommand(1);
+        AddFolder(AddVerb("check", CheckFolder,
+                          "Tells what an install or a removal would silently do wrong, line by line of the list."));
+        CLI::App* pPlan = AddVerb("plan", TellPlan,
+                                  "Tells what an install would create on a machine that never had the "
+                                  "product, and what a removal would leave.");
+        pPlan->add_option("KIND", m_options.strKind, "user, all or portable")
+            ->required()
+            ->check(CLI::IsMember(&kKinds).description(""));
+        AddFolder(pPlan);
+    }
+
+    // Gives the exit code.
+    int Run(std::vector<std::string> arguments)
+    {
+        std::reverse(arguments.begin(), arguments.end());
+        try
+        {
+            m_app.parse(std::move(arguments));
+        }
+        catch (const CLI::Success& help)
+        {
+            return m_app.exit(help);
+        }
+        catch (const CLI::ParseError& error)
+        {
+            return Refuse(FromUtf8(error.what()) + L" (see pkgtool --help)");
+        }
+        return m_verb(m_options);
+    }
+
+private:
+    using VERB = int (*)(const Options&);
+
+    CLI::App* AddVerb(const char* pszName, VERB verb, const char* pszDescription)
+    {
+        CLI::App* pVerb = m_app.add_subcommand(pszName, pszDescription);
+        pVerb->callback([this, verb] { m_verb = verb; });
+        return pVerb;
+    }
+
+    void AddFolder(CLI::App* pVerb)
+    {
+        pVerb->add_option("FOLDER", m_options.strFolder, "the package: a folder with a LumUnInst.log")->required();
+    }
+
+    CLI::App m_app{ "Checks packages of the setup, plans them, writes their lists and tells whether an install stands.",
+                    "pkgtool" };
+    Options m_options;
+    VERB m_verb = nullptr;
+};
+
+int wmain(int argc, wchar_t** argv)
+{
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.push_back(ToUtf8(argv[i]));
+    return CCommandLine().Run(std::move(arguments));
+}
