@@ -26,7 +26,7 @@ test: build
 	@tools/run-tests.sh release
 
 interruption hostile: build
-	@tools/run-tests.sh release --timeout 3600 --tests-regex '^($(if $(filter hostile,$@),Hostile,Interruption.*))$$'
+	@tools/run-tests.sh release --timeout 3600 --tests-regex '^($(if $(filter hostile,$@),Hostile,Interruption))$$'
 interruption: export LUMACAP_INTERRUPTIONS ?= 400
 hostile: export LUMACAP_HOSTILE_LISTS ?= 200000
 hostile: export LUMACAP_HOSTILE_FIRST ?= 20001

@@ -3,10 +3,8 @@
 // Further switches, for demonstrations and tests:
 //   -nowindow       runs with no window until it is terminated
 //   -ignoreclose    doesn't end when told to close
-//   -hold FILE      keeps FILE open, with read sharing only, until its end
-//   -report FILE    appends its command line, a tab and its current folder to FILE, in UTF-8, once it is set up
-// The environment: LUMACAP_REPORT names a report file where no switch does; with LUMACAP_HANG set "-unregonly" takes
-// back nothing and hangs for a minute.
+// The environment: LUMACAP_REPORT names a file that it appends its command line, a tab and its current folder to, in
+// UTF-8, once it is set up.
 
 #include "foundation/Owners.h"
 #include "sample/InstanceEntry.h"
@@ -19,7 +17,6 @@
 namespace
 {
 
-const DWORD kHangTime = 60000; // milliseconds
 const int kReportAttempts = 500;
 const DWORD kReportPause = 10; // milliseconds
 
@@ -29,7 +26,6 @@ struct Options
     bool bUnregister;
     bool bNoWindow;
     bool bIgnoreClose;
-    const wchar_t* pszHold;
     const wchar_t* pszReport;
 };
 
@@ -50,15 +46,9 @@ Options ReadOptions()
     Options options = {};
     options.pszReport = _wgetenv(L"LUMACAP_REPORT");
     for (int i = 1; i < __argc; ++i)
-    {
         for (const auto& flag : aFlags)
             if (wcscmp(__wargv[i], flag.pszName) == 0)
                 options.*flag.pbFlag = true;
-        if (i + 1 < __argc && wcscmp(__wargv[i], L"-hold") == 0)
-            options.pszHold = __wargv[++i];
-        else if (i + 1 < __argc && wcscmp(__wargv[i], L"-report") == 0)
-            options.pszReport = __wargv[++i];
-    }
     return options;
 }
 
@@ -127,31 +117,17 @@ void RunUntilClosed(HINSTANCE hInstance, const Options& options)
         DispatchMessageW(&message);
 }
 
-// Opens the file so that nobody else can delete it; no handle without a path.
-HANDLE HoldFile(const wchar_t* pszPath)
-{
-    if (pszPath == nullptr)
-        return INVALID_HANDLE_VALUE;
-    return CreateFileW(pszPath, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-}
-
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, LPWSTR, int)
 {
     CInstanceEntry entry;
     const Options options = ReadOptions();
-    const CFileOwner held(HoldFile(options.pszHold));
 
     if (options.bRegister)
     {
         RegisterProduct();
         Report(options.pszReport);
-    }
-    else if (options.bUnregister && _wgetenv(L"LUMACAP_HANG") != nullptr)
-    {
-        Report(options.pszReport);
-        Sleep(kHangTime);
     }
     else if (options.bUnregister)
     {

@@ -4,7 +4,6 @@
 #   machine_run CMD...   runs a Windows program on it and gives its exit code
 #   machine_use_fonts    gives it the fonts of Windows' dialogs; the package fonts-wine must be there
 #   machine_wait_idle    waits until what the product and its setup started has ended
-#   machine_restart      restarts the machine: the boot list is worked through before the next program starts
 #   machine_stop         ends the machine's programs and its display, and removes it
 # A machine and its display belong to the shell that started them; `trap machine_stop EXIT` keeps that promise.
 
@@ -74,13 +73,6 @@ machine_run() {
     "$wine_program" "$@" >"$machine_dir/stdout" 2>"$machine_dir/stderr" </dev/null || code=$?
     tr -d '\r' <"$machine_dir/stdout"
     return $code
-}
-
-machine_restart() {
-    "$wine_server" -k || true
-    "$wine_server" -w
-    "$wine_server" -p
-    machine_run wineboot >/dev/null
 }
 
 machine_stop() {

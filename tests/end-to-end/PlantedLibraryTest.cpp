@@ -49,7 +49,7 @@ TEST_F(PlantedLibrary, IsTakenByACarelessProgramButByNoSetup)
 
     CProcessRun wizard(At(L"package\\setup.exe -install -v"));
     wizard.Start();
-    CWindowDriver(wizard.Id(), L"Lumacap");
+    EXPECT_TRUE(CWindowDriver(wizard.Id(), L"Lumacap Setup").IsVisible(IDOK));
     wizard.End();
     EXPECT_EQ(Taken(), strByPlatform);
     EXPECT_EQ(RunToEnd(At(L"package\\setup.exe -install -s")), 0u);

@@ -156,6 +156,7 @@ TEST_F(WizardUser, ClicksPutAPortableProductWhereTheDialogSays)
     m_wizard->Click(1003);
     for (const int nButton : { IDCANCEL, IDOK })
     {
+        // The dialog takes a folder that was looked into since for another one: all are looked into before.
         ListTree(m_strFolder);
         m_wizard->Click(1005);
         const CWindowDriver browser(m_run->Id(), L"Browse for Folder");

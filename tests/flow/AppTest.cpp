@@ -41,6 +41,7 @@ protected:
             { "OpenProcess", Telling(L"open %d %d %d, ") },
             { "TerminateProcess", Telling(L"terminate %d %d, ") },
             { "ShellExecuteW", Telling(L"browse, ") },
+            { "DialogBoxIndirectParamW", Telling(L"wizard, ") },
             { "_wexecl", Telling(L"relaunch, ") },
         });
         m_strActs += std::to_wstring(RunToExit([] { return theApp.InitInstance(); }));
@@ -165,6 +166,7 @@ TEST_F(App, ExitLeavesTheListLastAndNothingCatchesAnException)
     };
     for (const auto& c : cases)
     {
+        SCOPED_TRACE(c.pszOutcome);
         SetWindowsVersion(c.pszWindows);
         CProductList list({ 70001 });
         CProcessRun child(CChildRole::CommandLine(c.pszRole));

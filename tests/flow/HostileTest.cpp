@@ -167,7 +167,7 @@ protected:
         m_fence.On("LoadLibraryW", [](CALL&) { return 0; });
     }
 
-    void PutPackage() const
+    void PutFiles() const
     {
         RemoveTree(At(L"c"));
         Make(L"c\\from\\a.txt|c\\from\\b.txt|c\\from\\c.dll|c\\from\\sub\\d.txt|c\\to\\a.txt");
@@ -211,7 +211,7 @@ protected:
 TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
 {
     MoveFolder(HKEY_LOCAL_MACHINE, L"Common Programs", At(L"c"));
-    PutPackage();
+    PutFiles();
     // What is allocated, or noted down by the system, once and for all.
     Walk("Shell Link: a", KIND_ALL_USERS);
     const TEXTS earlier = TakePicture();
@@ -220,7 +220,7 @@ TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
     for (unsigned int n = m_nFirst; n < m_nFirst + m_nLists; n++)
     {
         if (n % 100 == 0)
-            PutPackage();
+            PutFiles();
         if (n % 1000 == 0)
             printf("from number %u on\n", n), fflush(stdout); // for one that doesn't come back
         const int nLive = s_nLive;
@@ -232,8 +232,10 @@ TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
     EXPECT_EQ(anHandles[1], anHandles[0]);
     for (const std::wstring& strLine : Difference(earlier, TakePicture()))
         EXPECT_EQ(strLine.find(L" C:\\corner\\"), 1u) << Bytes(strLine);
-    for (const unsigned int nDone : { m_nAllowed, m_nRefused, m_nLeftToBoot, 20 * m_nGroups })
-        EXPECT_GT(nDone, m_nLists / 100);
+    EXPECT_GT(m_nAllowed, m_nLists / 100);
+    EXPECT_GT(m_nRefused, m_nLists / 100);
+    EXPECT_GT(m_nLeftToBoot, m_nLists / 100);
+    EXPECT_GT(m_nGroups, m_nLists / 2000);
 }
 
 // An install that ends ahead of its work: a wizard's, because the same version is declined, which gives its memory
@@ -242,7 +244,9 @@ TEST_F(Hostile, CommandLinesAreReadToTheirEnd)
 {
     CopyOneFile(ProductOfVersion(L"8.21.0.0"), At(L"c\\Lumacap8.exe"));
     SetKeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8", L"Path", At(L"c"));
-    const CCalls calls({ { "ShellExecuteW", [](CALL&) { return 0; } }, { "MessageBoxW", [](CALL&) { return IDNO; } } });
+    const CCalls calls({ { "ShellExecuteW", [](CALL&) { return 0; } },
+                         { "MessageBoxW", [](CALL&) { return IDNO; } },
+                         { "DialogBoxIndirectParamW", [](CALL&) { return -1; } } });
     unsigned int nReturned = 0;
     const auto run = [&]
     {

@@ -145,6 +145,7 @@ none|8.19.9.0|00100|wizard;T\Lumacap8.exe;
 8.21.0.0|none|10710|16 This setup files are damaged, installation aborted.;http://www.lumacap.example/;)";
     for (const TEXTS& row : Rows(kRows))
     {
+        SCOPED_TRACE(Bytes(Join(row)));
         PutProduct(L"T", row[0]);
         PutProduct(L"package", row[1]);
         SetCurrentDirectoryW(m_strFolder.c_str());
@@ -183,6 +184,7 @@ TEST_F(Install, SilentFirstOneGoesToAllUsersStepByStep)
     // The run ends in the target.
     EXPECT_TRUE(IsThere(L"LumUnInst.log"));
     EXPECT_EQ(KeyText(kMachine, kProduct, L"AllUsers"), L"B");
+    EXPECT_EQ(m_calls.Count("RegSetValueExW"), 32);
     EXPECT_EQ(KeyText(kMachine, kWindows + L"\\Uninstall\\Lumacap 8", L"DisplayVersion"), L"2.00.00");
 }
 
@@ -207,10 +209,16 @@ P|C:\corner\user\Programs\P)";
         g_strGroup = Replaced(row[0], L"~", L" \t\r\n").c_str();
         g_strSfxName = row[2].c_str();
         g_bFreshInstall = row[0] == L"P";
+        SCOPED_TRACE(Bytes(row[0]));
         Make(L"T\\x.txt|x.lnk");
         PerformInstall();
-        const std::wstring strLog = Wide(ReadBytes(L"T\\LumUnInst.log"));
-        EXPECT_EQ(strLog.find(L"File Del: x.txt\r\nMade Dir: " + row[1] + L"\r\nShell Link: "), 0u) << Bytes(strLog);
+        const std::wstring strLink = L"\r\nShell Link: ";
+        const std::wstring strUsers = strLink + At(g_bFreshInstall ? L"user" : L"all");
+        const std::wstring strGroup = strLink + row[1] + L"\\Lumacap 8";
+        EXPECT_EQ(Wide(ReadBytes(L"T\\LumUnInst.log")),
+                  L"File Del: x.txt\r\nMade Dir: " + row[1] +
+                      (row[0] != L"A?" ? strGroup + L".lnk" + strGroup + L" Help.lnk" : L"") + strUsers +
+                      L"\\Desktop\\Lumacap 8.lnk" + strUsers + L"\\Programs\\Startup\\Lumacap 8.lnk\r\n");
         EXPECT_EQ(IsThere(row[1] + L"\\Lumacap 8 Help.lnk"), row[0] != L"A?");
         EXPECT_EQ(IsThere(L"x.lnk"), g_bFreshInstall);
         EXPECT_EQ(IsThere(L"T\\x.txt"), g_bFreshInstall);

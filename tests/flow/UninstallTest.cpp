@@ -95,6 +95,7 @@ Lumacap 8 has been c)");
         MoveFolder(HKEY_LOCAL_MACHINE, std::wstring(L"Common ") + pszName, L"C:\\q"); // too short to be true
     MakeFolder(L"C:\\q");
     const std::wstring strActs = Finish();
+    EXPECT_NE(strActs.find(L"u\\Programs\\Lumacap 8\\"), std::wstring::npos);
     for (const wchar_t* pszMissing : { L"regsvr32", L"C:\\q", L"been" })
         EXPECT_EQ(strActs.find(pszMissing), std::wstring::npos) << pszMissing;
 }
@@ -140,10 +141,11 @@ TEST_F(Uninstall, EachFolderIsJudgedForItself)
     };
     for (const auto& [pszMade, pszLeft, pszPending] : rows)
     {
+        SCOPED_TRACE(Bytes(pszMade));
         World::SetUp();
         Make(pszMade);
         RunUninstall(At(L"P\\").c_str());
-        EXPECT_EQ(Tree(L"P"), pszLeft) << pszMade;
+        EXPECT_EQ(Tree(L"P"), pszLeft);
         EXPECT_EQ(Pending(), pszPending);
     }
 }
@@ -219,6 +221,7 @@ TEST_F(Uninstall, AssociationsAreRepairedFormatByFormat)
             const TEXTS parts = Split(strValue, L',');
             SetKeyText(HKEY_CURRENT_USER, strKey + L"\\" + parts[0], parts[1], parts[2]);
         }
+        SCOPED_TRACE(nMajor);
         g_osVersion.dwMajorVersion = nMajor;
         nTold = 0;
         RepairFileAssociations();

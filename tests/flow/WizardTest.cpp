@@ -195,6 +195,7 @@ TEST_F(Wizard, PagesDressFrameAndInstallOnce)
               L"Lumacap ver. 9.05.123 Beta 14\nCopyright \u00A9 2004-" + std::to_wstring(now.wYear));
     for (int n = 0; n < 5; n++)
     {
+        SCOPED_TRACE(n);
         std::wstring strLook = Frame().Look();
         RECT page;
         RECT side;
@@ -203,11 +204,11 @@ TEST_F(Wizard, PagesDressFrameAndInstallOnce)
         EXPECT_LE(page.top, side.top);
         if (n != 1)
         {
-            EXPECT_EQ(page.left, side.right + 4) << n;
+            EXPECT_EQ(page.left, side.right + 4);
             strLook.erase(13, strLook.find(L" | \uFFFF") - 13);
         }
         EXPECT_EQ(strLook, kLooks[std::min(n, 2)]);
-        EXPECT_EQ(Frame().FocusId(), IDOK) << n;
+        EXPECT_EQ(Frame().FocusId(), IDOK);
         if (n < 4)
             Walk(L"N");
     }
@@ -234,6 +235,7 @@ TEST_F(Wizard, ReportTellsWhatFollows)
     };
     for (int nKind = 0; nKind < 3; nKind++)
     {
+        SCOPED_TRACE(nKind);
         g_bRunAfter = 0;
         g_bRebootNeeded = nKind == 1 ? 0 : 2;
         Open(nKind, true, 4);

@@ -345,10 +345,14 @@ void ClearPending()
     RemoveTree(L"C:\\windows\\wininit.bak"); // what a restart makes of it
 }
 
-std::wstring LinkText(const std::wstring& strPath)
+// "TARGET in FOLDER", with what else it holds; "(no link)" for another file.
+static std::wstring LinkText(const std::wstring& strPath)
 {
     wchar_t szTarget[1024] = L"";
     wchar_t szFolder[1024] = L"";
+    wchar_t szArguments[1024] = L"";
+    wchar_t szText[1024] = L"";
+    int nShow = 0;
     CoInitialize(nullptr);
     CInterfaceOwner<IShellLinkW> pLink;
     CInterfaceOwner<IPersistFile> pFile;
@@ -358,7 +362,11 @@ std::wstring LinkText(const std::wstring& strPath)
         return L"(no link)";
     pLink->GetPath(szTarget, 1024, nullptr, SLGP_RAWPATH);
     pLink->GetWorkingDirectory(szFolder, 1024);
-    return szTarget + (szFolder[0] != 0 ? std::wstring(L" in ") + szFolder : L"");
+    pLink->GetArguments(szArguments, 1024);
+    pLink->GetDescription(szText, 1024);
+    pLink->GetShowCmd(&nShow);
+    return szTarget + (szFolder[0] != 0 ? std::wstring(L" in ") + szFolder : L"") + szArguments + szText +
+           (nShow != SW_SHOWNORMAL ? std::to_wstring(nShow) : L"");
 }
 
 // Windows' own files are some hundred megabytes: size and time tell of a change too. A link's content tells the time of

@@ -49,7 +49,7 @@ TEXTS ListTree(const std::wstring& strFolder);
 const DWORD kAsImage = ~0u;
 std::shared_ptr<void> HoldFile(const std::wstring& strPath, DWORD nSharing);
 
-// A value as a text: that of a REG_SZ as it stands, "dword 8" of a number, "type 3 c0ffee" of any other type,
+// A value as a text: that of a REG_SZ as it stands, "dword 8" of a number, "type 3" of another one,
 // "(absent)" without the value.
 std::wstring KeyText(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName = L"");
 bool KeyExists(HKEY hRoot, const std::wstring& strKey);
@@ -59,8 +59,8 @@ void MakeKey(HKEY hRoot, const std::wstring& strKey);
 void RemoveKey(HKEY hRoot, const std::wstring& strKey);
 void RemoveValue(HKEY hRoot, const std::wstring& strKey, const std::wstring& strName);
 
-// Adds a line `LABEL\` for the key and each below it, and `LABEL : NAME = TEXT` for each value. Nothing without the
-// key.
+// Adds a line `LABEL : NAME = TEXT` for each value of the key and those below it, and `LABEL\` for a key that has
+// neither values nor keys. Nothing without the key.
 void FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strLabel, TEXTS& lines);
 
 // What waits for the next start, in its order: "-PATH" for a deletion, "SOURCE>TARGET" for a replacement.
@@ -71,13 +71,10 @@ const wchar_t kPendingProfile[] = L"C:\\windows\\WININIT.INI";
 void BlockPending();
 void ClearPending();
 
-// "TARGET in FOLDER"; "(no link)" for another file.
-std::wstring LinkText(const std::wstring& strPath);
-
 // Sorted lines of the whole machine: its registry and, for each file and folder, `PATH = NUMBER`, where the number
-// stands for the content, `PATH -> LINK` or `PATH\`, with ` (attributes N)` behind it if it is read-only or hidden. Two
-// pictures tell all that a program left: "+ LINE" and "- LINE" for what only the later and only the earlier one has, in
-// the order of the lines.
+// stands for the content, `PATH -> LINK` or `PATH\`, with ` (attributes N)` behind it if it is read-only or hidden; of
+// Windows' own files size and time. Two pictures tell all that a program left: "+ LINE" and "- LINE" for what only the
+// later and only the earlier one has, in the order of the lines.
 TEXTS TakePicture();
 TEXTS Difference(const TEXTS& earlier, const TEXTS& later);
 

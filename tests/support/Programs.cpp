@@ -84,9 +84,9 @@ bool CProcessRun::WaitForEnd(DWORD nMilliseconds)
     return WaitUntil([this] { return WaitForSingleObject(m_process, 0) == WAIT_OBJECT_0; }, nMilliseconds);
 }
 
-bool CProcessRun::WaitForFamily(DWORD nMilliseconds)
+bool CProcessRun::WaitForFamily()
 {
-    return WaitUntil([this] { return FamilyIds().empty(); }, nMilliseconds);
+    return WaitUntil([this] { return FamilyIds().empty(); });
 }
 
 DWORD CProcessRun::ExitCode() const

@@ -31,7 +31,7 @@ public:
     bool WaitForEnd(DWORD nMilliseconds = kPatience);
 
     // True if the program, and all that it and its successors started, have ended within the time.
-    bool WaitForFamily(DWORD nMilliseconds = kPatience);
+    bool WaitForFamily();
 
     // STILL_ACTIVE while it runs.
     DWORD ExitCode() const;

@@ -27,7 +27,7 @@ void World::SetUp()
     for (const auto& [hRoot, pszKeys] : kLeavings)
         for (const std::wstring& strKey : Split(pszKeys, L'|'))
             RemoveKey(hRoot, L"SOFTWARE\\" + strKey);
-    for (const wchar_t* pszUser : { L"1000", L"1001", L"1002" }) // logged on by tests
+    for (const wchar_t* pszUser : { L"1001", L"1002" }) // logged on by tests
         RemoveKey(HKEY_USERS, std::wstring(L"S-1-5-21-7-7-7-") + pszUser);
     for (const auto& [hRoot, strPrefix, strUsers] : { std::make_tuple(HKEY_LOCAL_MACHINE, L"Common ", L"all\\"),
                                                       std::make_tuple(HKEY_CURRENT_USER, L"", L"user\\") })

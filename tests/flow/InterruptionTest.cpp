@@ -28,7 +28,9 @@ int RunProgram(const TEXTS& arguments, const std::function<void(CALL&)>& onChang
 {
     ResetProgramState();
     const CArguments commandLine(arguments);
-    CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } }, { "Sleep", [](CALL&) { return 0; } } });
+    CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } },
+                   { "MessageBoxW", [](CALL& call) { return Fail(Bytes(call.Text(1))), IDCANCEL; } },
+                   { "Sleep", [](CALL&) { return 0; } } });
     calls.OnAll(
         [&](CALL& call, INT_PTR&)
         {
@@ -125,7 +127,10 @@ protected:
     void ExpectRemoved() const
     {
         for (const std::wstring& strEntry : PendingEntries())
-            EXPECT_TRUE(strEntry == L"-" + At(L"temp\\uni1.tmp") || !IsThere(strEntry.substr(1))) << Bytes(strEntry);
+            if (strEntry != L"-" + At(L"temp\\uni1.tmp"))
+            {
+                EXPECT_FALSE(IsThere(strEntry.substr(1))) << Bytes(strEntry);
+            }
         ClearPending();
         ExpectPicture(m_removed);
     }
@@ -203,7 +208,10 @@ TEST_F(Interruption, OfAnUpgradeIsMadeUpForByTheNextButForWhatItAloneKnew)
                           if (strName.compare(0, 3, L"h5t") == 0)
                               RemoveTree(At(L"all\\Programs\\Startup\\" + strName));
                       const bool bStarted = IsThere(At(L"all\\Programs\\Startup\\Lumacap 8.lnk"));
+                      ClearPending();
                       Run(m_setup);
+                      // A folder of the list that is away already waits for the boot as well.
+                      EXPECT_EQ(Replaced(Pending(), L"-Program Files\\Lumacap 8\\Presets ", L""), m_strRepeatPending);
                       ClearPending();
                       ExpectPicture(bStarted ? upgraded : m_installed);
                       Run(m_secondStage);

@@ -23,7 +23,8 @@ struct CHECKED
 CHECKED Check(const std::wstring& strArguments)
 {
     CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
-    EXPECT_TRUE(run.Start() && run.WaitForFamily()) << Bytes(strArguments);
+    run.Start();
+    EXPECT_TRUE(run.WaitForFamily()) << Bytes(strArguments);
     return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
 }
 
@@ -184,7 +185,8 @@ TEST_F(Pkgtool, PlanIsWhatInstallRemovalAndRestartMakeOfAnyPackage)
         m_before.push_back(ListTree(Place(nSeed)));
         const std::vector<TEXTS> plan = PlanOf(nSeed);
         ASSERT_EQ(plan.size(), 3u);
-        const CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } } });
+        const CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } },
+                             { "MessageBoxW", [](CALL& call) { return Fail(Bytes(call.Text(1))), IDCANCEL; } } });
         Install(nSeed);
         EXPECT_EQ(Created(nSeed), Bytes(Join(plan[0], L"\n")));
         Remove(nSeed);
