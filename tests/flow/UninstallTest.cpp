@@ -166,7 +166,6 @@ TEST_F(Uninstall, RegistryLosesTheProductInEachHive)
         { L"Classes\\LC8.Document\\Stuck", "0123" },
         { L"Classes\\LC8.Document\\Z", "123" },
         { L"Classes\\Lumacap.8\\A", "123" },
-        { L"Classes\\Lumacap.8\\B", "123" },
         { L"Mozilla\\NativeMessagingHosts\\capff\\A", "23" },
         { L"Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8\\A", "0123" },
     };
@@ -183,6 +182,7 @@ TEST_F(Uninstall, RegistryLosesTheProductInEachHive)
     for (const auto& hive : hives)
     {
         MakeKey(hive.first, hive.second + L"Tandrel\\Lumacap 8\\A\\S-1-5-21-0");
+        MakeKey(hive.first, hive.second + L"Tandrel\\Lumacap 8\\B");
         RemoveKey(hive.first, hive.second + L"Tandrel\\Lumacap 7");
         RemoveProductRegistry(L"Tandrel", L"Lumacap 8", L"Lumacap 8", L"Lumacap8.exe");
         for (const auto& other : hives)
