@@ -45,8 +45,10 @@ LIST = PACKAGE + '\\LumUnInst.log'
 ANSWERS = {'ok': '1', 'yes': '6', 'no': '7'}
 OPPOSITE = {'+': '-', '-': '+'}
 
-# The boot list is told in words of its own; the other one takes the output of the programs that the player starts.
-UNTOLD = r'.* : PendingFileRenameOperations = |.*\\Temp\\out\w+\.tmp|exit code (0|259)$|started: $'
+# The boot list is told in words of its own. The file takes the output of the programs that the player starts. Exit code
+# 0 is what a reader expects, and the product's first line of its report is empty.
+UNTOLD = r'.* : PendingFileRenameOperations = |.*\\Temp\\out\w+\.tmp|exit code 0$|started: $'
+STAYS = 'exit code 259'  # of a product that has opened
 
 names = {'<user>': 'C:\\users\\' + (os.environ.get('USER') or getpass.getuser())}  # as Wine has it
 places = {}    # the other way round
@@ -146,7 +148,11 @@ def changes(told, step):
     new = boot[len(waiting):] if boot[:len(waiting)] == waiting else boot
     waiting[:] = boot
     lines = [rename(part) for line in lines[:len(lines) - len(boot)] + new for part in parts(line, step)]
-    lines = [line for line in lines if opposite(line) not in lines and line != f'started: {step[4:]} in <package>']
+    # Gone and come alike is what was written anew as it stood, under another number. A product that the step itself
+    # starts tells of its start, and stays.
+    own = [f'started: {step[4:]} in <package>']
+    own += [STAYS] if own[0] in lines else []
+    lines = [line for line in lines if opposite(line) not in lines and line not in own]
     return sorted(lines, key=lambda line: line[line[0] in OPPOSITE and 2:] if line[0] in '+-s' else '')
 
 

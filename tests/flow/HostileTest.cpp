@@ -280,6 +280,11 @@ TEST_F(Hostile, GuardOfTheHeapSeesAByteBehindABlockAndABlockKept)
     free(const_cast<char*>(pBytes));
     EXPECT_EQ(s_nDamaged, 1);
     s_nDamaged = 0;
+
+    // A text that is added to itself loses its block while it is read.
+    CString str(L"0123456789");
+    str += str;
+    EXPECT_STREQ(str, L"01234567890123456789");
 }
 
 } // namespace

@@ -311,6 +311,48 @@ TEST_F(Pkgtool, FindsWhatIsWrongWithAPackage)
     }
 }
 
+// Odd names, a file deep below folders without any, and empty folders. The engine brings its own list and uninstaller.
+TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
+{
+    const std::wstring strPackage = L"p0\\package\\";
+    Make(L"p0\\to\\up\\keep");
+    MoveFolders(0);
+    m_before.push_back(ListTree(Place(0)));
+    CopyOneFile(BuildFolder() + L"\\setup.exe", At(strPackage + L"setup.exe"));
+    CopyOneFile(ProductOfVersion(L"8.21.0.0"), At(strPackage + L"Lumacap8.exe"));
+    for (const std::wstring& strPath : Split(L"Lumacap8Man.chm|HomePage.url|ThumbLcp64.dll|a "
+                                             L"b.txt|b\xE4r|Sub\\c|Sub\\d\\e f\\g.h|Sub\\[1]+2.x|none\\in\\",
+                                             L'|'))
+        Make(strPackage + strPath, Bytes(strPath));
+    const std::wstring strList = At(strPackage + L"LumUnInst.log");
+    EXPECT_EQ(Check(L"list " + At(strPackage)).strText, L"10 files and 5 folders in " + strList + L"\n");
+    EXPECT_EQ(Check(L"check " + At(strPackage)).strText, L"0 findings\n");
+    m_before[0] = ListTree(Place(0));
+    Install(0);
+    EXPECT_EQ(
+        Tree(L"p0\\to\\up\\target"),
+        L"HomePage.url LumUnInst.exe LumUnInst.log Lumacap8.exe Lumacap8Man.chm Sub\\ Sub\\[1]+2.x Sub\\c Sub\\d\\ "
+        L"Sub\\d\\e f\\ Sub\\d\\e f\\g.h ThumbLcp64.dll a b.txt b\xE4r none\\ none\\in\\");
+    Remove(0);
+    EXPECT_EQ(Created(0), "");
+
+    // What only a person decides is kept, and not said twice; what can't be said is told, and nothing written.
+    const std::string strKept = "File Copy ind: Sub\\c\r\nFile Del: old.txt | of version 7\r\n";
+    WriteBytes(strList, "A remark\r\nFile Copy: gone\r\n" + strKept);
+    EXPECT_EQ(Check(L"list " + At(strPackage)).nExitCode, 2u);
+    EXPECT_EQ(Check(L"list --force " + At(strPackage)).nExitCode, 0u);
+    const std::string strAnew = ReadBytes(strList);
+    EXPECT_EQ(strAnew.substr(strAnew.size() - strKept.size()), strKept);
+    EXPECT_EQ(strAnew.find("Sub\\c"), strAnew.rfind("Sub\\c"));
+    EXPECT_EQ(strAnew.find("gone"), std::string::npos);
+    Make(strPackage + L"install.log|" + strPackage + L"\x416");
+    const CHECKED refused = Check(L"list --force " + At(strPackage));
+    EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n"
+                               L"\xD0\x96: can't be said in a list: its name goes beyond Latin-1\n");
+    EXPECT_EQ(refused.nExitCode, 1u);
+    EXPECT_EQ(ReadBytes(strList), strAnew);
+}
+
 TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
 {
     const std::tuple<std::wstring, DWORD, std::wstring> kCases[] = {

@@ -53,7 +53,7 @@ int wmain(int argc, wchar_t** argv)
         printf("These tests install and remove software: they need a machine to be thrown away, as `make test` has.\n");
         return kWrongMachine;
     }
-    SetErrorMode(SEM_NOGPFAULTERRORBOX);
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     SetUnhandledExceptionFilter(ReportCrash);
     DivertImports();
     int nResult = 0;

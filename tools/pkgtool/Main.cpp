@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/pkgtool/FolderList.h"
 #include "tools/pkgtool/Output.h"
 #include "tools/pkgtool/PackageCheck.h"
 #include "tools/pkgtool/PackageFolder.h"
@@ -18,6 +19,7 @@ struct Options
 {
     std::string strFolder; // in UTF-8, as CLI11 wants all texts
     std::string strKind;
+    bool bForce = false;
 };
 
 static int CheckFolder(const Options& options)
@@ -49,6 +51,11 @@ static int TellPlan(const Options& options)
     return EXIT_CLEAN;
 }
 
+static int ListFolder(const Options& options)
+{
+    return WriteFolderList(FromUtf8(options.strFolder), options.bForce);
+}
+
 // A verb is chosen while the command line is read, and carried out once it has been read to its end.
 class CCommandLine
 {
@@ -67,6 +74,11 @@ public:
             ->required()
             ->check(CLI::IsMember(&kKinds).description(""));
         AddFolder(pPlan);
+        CLI::App* pList = AddVerb("list", ListFolder, "Writes the list of a product's folder: all that lies there.");
+        pList->add_option("FOLDER", m_options.strFolder, "the product's folder, which becomes the package")->required();
+        pList->add_flag("--force", m_options.bForce,
+                        "write it over a list that stands, and keep its records File Copy ind, File Copy prt, "
+                        "File Overwrite and File Del");
     }
 
     // Gives the exit code.

@@ -1,0 +1,187 @@
+#include "tools/pkgtool/FolderList.h"
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+#include "app/Product.h"
+#include "foundation/DiskFiles.h"
+#include "foundation/FolderPaths.h"
+#include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
+#include "tools/pkgtool/Output.h"
+#include "tools/pkgtool/PackageFolder.h"
+
+namespace
+{
+// Relative to the product's folder, in the order of their names: files of a folder ahead of its folders, a folder ahead
+// of what it holds.
+struct FolderContent
+{
+    std::vector<CString> files;
+    std::vector<CString> folders;
+};
+
+struct Name
+{
+    CString strName;
+    bool bFolder;
+};
+} // namespace
+
+// Installs of the usual kind go to "C:\Program Files\Lumacap 8", which leaves so many characters of the system's 259.
+static const int kLongestPath = 232;
+
+static std::vector<Name> NamesIn(const CString& strFolder)
+{
+    std::vector<Name> names;
+    WIN32_FIND_DATAW found;
+    const CFindOwner find(FindFirstFileW(strFolder + L"\\*", &found));
+    for (BOOL bMore = find.IsOpen(); bMore; bMore = FindNextFileW(find, &found))
+        if (!IsDotName(found.cFileName))
+            names.push_back({ found.cFileName, (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 });
+    std::sort(names.begin(), names.end(),
+              [](const Name& a, const Name& b)
+              {
+                  if (a.bFolder != b.bFolder)
+                      return b.bFolder;
+                  return a.strName.CompareNoCase(b.strName) < 0;
+              });
+    return names;
+}
+
+static void Collect(const CString& strFolder, const CString& strBelow, FolderContent& content)
+{
+    for (const Name& name : NamesIn(strFolder + L"\\" + strBelow))
+    {
+        const CString strPath = strBelow + name.strName;
+        (name.bFolder ? content.folders : content.files).push_back(strPath);
+        if (name.bFolder)
+            Collect(strFolder, strPath + L"\\", content);
+    }
+}
+
+// Why the path can't stand in a list, or nothing.
+static const wchar_t* WhyUnsayable(const CString& strPath)
+{
+    for (int i = 0; i < strPath.GetLength(); ++i)
+    {
+        if (strPath[i] > 0xFF)
+            return L"its name goes beyond Latin-1";
+        if (strPath[i] < L' ')
+            return L"its name has a control character";
+    }
+    if (strPath.GetLength() > kLongestPath)
+        return L"its path is too long";
+    if (EndsWith(strPath, L' ') || EndsWith(strPath, L'.'))
+        return L"its name ends in a blank or a dot";
+    if (strPath.CompareNoCase(kSecondListName) == 0)
+        return L"a removal would read it as a list";
+    return nullptr;
+}
+
+// The list comes by itself, and the setup stays behind.
+static bool IsLeftOut(const CString& strPath)
+{
+    return strPath.CompareNoCase(kFileListName) == 0 || strPath.CompareNoCase(L"setup.exe") == 0;
+}
+
+// The lines of the list that stands which are to be kept, and the files that they bring.
+static std::vector<CString> KeptRecords(const CString& strList, std::set<CString>& brought)
+{
+    std::vector<CString> kept;
+    CInstallLogReader list(strList);
+    while (list.ReadLine())
+        for (const wchar_t* pszPrefix : { kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel })
+        {
+            const wchar_t* pszValue = FindRecordValue(list.Line(), pszPrefix);
+            if (pszValue == nullptr)
+                continue;
+            CString strSource;
+            CString strTarget;
+            SplitFileValue(pszValue, strSource, strTarget);
+            if (pszPrefix == kFileCopyIfAbsent || pszPrefix == kFileCopyPortable)
+                brought.insert(FoldCase(strSource));
+            kept.push_back(list.Line());
+        }
+    return kept;
+}
+
+static CString Line(const wchar_t* pszPrefix, const CString& strValue)
+{
+    return pszPrefix + strValue + L"\r\n";
+}
+
+// A file copied as itself makes its folder, parents and all; a renamed one finds the folders made. An install makes a
+// folder one level deep, so that those without files come from the top. A removal takes each folder where it is named,
+// so that all are named once more from the bottom.
+static CString Compose(const FolderContent& content, bool bHasUninstaller, const std::set<CString>& brought)
+{
+    CString strList;
+    std::set<CString> made;
+    for (const CString& strFile : content.files)
+    {
+        if (IsLeftOut(strFile) || brought.count(FoldCase(strFile)) != 0)
+            continue;
+        strList += Line(kFileCopy, strFile);
+        for (CString strFolder = ParentFolder(strFile); !strFolder.IsEmpty(); strFolder = ParentFolder(strFolder))
+            made.insert(strFolder);
+    }
+    if (!bHasUninstaller)
+        strList += Line(kFileCopy, L"setup.exe > LumUnInst.exe");
+    for (const CString& strFolder : content.folders)
+        if (made.count(strFolder) == 0)
+            strList += Line(kMakeDir, strFolder);
+    for (auto folder = content.folders.rbegin(); folder != content.folders.rend(); ++folder)
+        strList += Line(kMakeDir, *folder);
+    return strList;
+}
+
+static bool TellUnsayable(const FolderContent& content)
+{
+    bool bAny = false;
+    for (const std::vector<CString>* pPaths : { &content.files, &content.folders })
+        for (const CString& strPath : *pPaths)
+            if (const wchar_t* pszWhy = WhyUnsayable(strPath))
+            {
+                PrintLine(stderr, strPath + L": can't be said in a list: " + pszWhy);
+                bAny = true;
+            }
+    return bAny;
+}
+
+static bool WriteList(const CString& strPath, const CString& strList)
+{
+    std::string strBytes;
+    for (int i = 0; i < strList.GetLength(); ++i)
+        strBytes += static_cast<char>(strList[i]);
+    const CStreamOwner file(_wfopen(strPath, L"wb"));
+    return file.IsOpen() && fwrite(strBytes.data(), 1, strBytes.size(), file) == strBytes.size();
+}
+
+int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
+{
+    const CString strFolder = CleanFolderArgument(pszFolder);
+    const CString strPath = strFolder + kFileListPath;
+    if (!PathExists(strFolder + L"\\"))
+        return Refuse(CString(L"there is no folder ") + pszFolder);
+    if (PathExists(strPath) && !bAnew)
+        return Refuse(CString(L"there is a list already, which --force writes anew: ") + strPath);
+
+    FolderContent content;
+    Collect(strFolder, L"", content);
+    if (TellUnsayable(content))
+        return EXIT_FINDINGS;
+    std::set<CString> brought;
+    const std::vector<CString> kept = KeptRecords(strPath, brought);
+    CString strList = Compose(content, PathExists(strFolder + kUninstallerPath), brought);
+    for (const CString& strRecord : kept)
+        strList += strRecord + L"\r\n";
+    if (!WriteList(strPath, strList))
+        return Refuse(CString(L"this can't be written: ") + strPath);
+    CString strSum;
+    strSum.Format(L"%d files and %d folders in ", static_cast<int>(content.files.size()),
+                  static_cast<int>(content.folders.size()));
+    PrintLine(stdout, strSum + strPath);
+    return EXIT_CLEAN;
+}
