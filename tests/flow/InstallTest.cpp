@@ -11,10 +11,6 @@
 namespace
 {
 
-const HKEY kMachine = HKEY_LOCAL_MACHINE;
-const wchar_t kProduct[] = L"SOFTWARE\\Tandrel\\Lumacap 8";
-const std::wstring kWindows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
-
 class Install : public World
 {
 protected:
