@@ -2,6 +2,9 @@
 
 #include <string.h>
 
+#include "app/Product.h"
+#include "foundation/TextEnds.h"
+
 IMPLEMENT_DYNAMIC(COXInstanceManager, CObject)
 
 // "Local\" keeps the list to one logon session.
@@ -46,8 +49,8 @@ private:
     CSingleLock m_lock;
 };
 
-// The product rounds the same way, and both share one mapping: an exact multiple of the granularity comes out as the
-// plain quotient, and that stays.
+// An exact multiple of the granularity comes out as the plain quotient. The product rounds in the same way, and both
+// share the mapping.
 static DWORD RoundAreaSize(DWORD cb, DWORD cbGranularity)
 {
     return cb / cbGranularity + (cb % cbGranularity != 0 ? cbGranularity : 0);
@@ -189,7 +192,7 @@ int COXInstanceManager::SetMaxInstances(DWORD nMaxInstances, bool bCloseSurplus)
     return 1;
 }
 
-// The first listed process that isn't this one, of the first two; 0 if there is none.
+// The first listed process, or the second if the first is this one; 0 if there is no second.
 DWORD COXInstanceManager::FindActivationTarget(const InstanceList& list)
 {
     if (list.anIds[0] != GetCurrentProcessId())
@@ -221,11 +224,14 @@ void* COXInstanceManager::GetAdditionalData()
     return m_pAdditional;
 }
 
+namespace
+{
 struct MainWindowSearch
 {
     DWORD nProcessId;
     HWND hFound;
 };
+} // namespace
 
 static bool IsMainWindow(HWND hWindow, DWORD nProcessId)
 {
@@ -239,10 +245,10 @@ static bool IsMainWindow(HWND hWindow, DWORD nProcessId)
         return false;
 
     wchar_t szCaption[512] = L"";
-    GetWindowTextW(hWindow, szCaption, 512);
+    GetWindowTextW(hWindow, szCaption, _countof(szCaption));
     if (wcscmp(szCaption, L"DDE Server Window") == 0 || wcscmp(szCaption, L"OleMainThreadWndName") == 0)
         return false;
-    return wcsncmp(szCaption, L"Lumacap", 7) == 0;
+    return StartsWith(szCaption, kProductWord);
 }
 
 static BOOL CALLBACK FindMainWindowCallback(HWND hWindow, LPARAM lParam)

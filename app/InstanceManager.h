@@ -1,5 +1,5 @@
 // The list of the running processes of the product, this program among them, in named shared memory.
-// It is this class's contract with the product, which shares the list: also what only the product calls stands here.
+// The product uses the same class on the same list; some operations are called by the product alone.
 #pragma once
 
 #include <afx.h>
@@ -84,5 +84,5 @@ private:
     void* m_pAdditional;
 };
 
-// The list that the product shares. This process stands in it for all of its life.
+// The list that the product shares.
 extern COXInstanceManager g_InstanceManager;

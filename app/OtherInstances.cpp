@@ -9,8 +9,8 @@
 #include "res/resource.h"
 
 // WM_CLOSE with this word tells the product that the setup asks; what it makes of that is its own business.
-const WPARAM kClosedBySetup = 1001;
-const DWORD kCloseGraceMs = 10;
+static constexpr WPARAM kClosedBySetup = 1001;
+static constexpr DWORD kCloseGraceMs = 10;
 
 int CountOtherInstances()
 {
@@ -63,8 +63,8 @@ void CloseOtherInstances(int nOthers)
     if (!g_InstanceManager.GetInstanceIds(anIds))
         return;
 
-    // One entry fewer than the list holds: this process is usually the last one. If a later one stands behind it,
-    // that one is spared.
+    // One entry fewer than the list holds: this process is usually the last one. If later ones stand behind it, the
+    // last of them is spared.
     for (int i = 0; i < nOthers; ++i)
     {
         if (anIds[i] != GetCurrentProcessId())

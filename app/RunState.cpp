@@ -30,13 +30,16 @@ decltype(&OpenProcessToken) g_pfnOpenProcessToken = nullptr;
 decltype(&IsWow64Process) g_pfnIsWow64Process = nullptr;
 decltype(&IsWow64Process) g_pfnIsWow64ProcessOf = nullptr;
 
+namespace
+{
 // Work of the start sequence that stands between the construction of two objects.
 struct CStartStep
 {
     explicit CStartStep(void (*pfnStep)()) { pfnStep(); }
 };
+} // namespace
 
-// The first of all, since already the list of instances may throw.
+// Before all objects: the constructor of the list of instances may throw.
 static void StopOnUncaughtException()
 {
     std::set_terminate(StopProcess);
@@ -44,7 +47,7 @@ static void StopOnUncaughtException()
 
 static const CStartStep s_stopOnUncaughtException(StopOnUncaughtException);
 
-const DWORD kAdditionalDataSize = 1024; // bytes; the product gives the same
+static constexpr DWORD kAdditionalDataSize = 1024; // bytes; the product gives the same
 
 // The list of instances comes first and goes last: the process stands in it for all of its life.
 COXInstanceManager g_InstanceManager(kInstanceListName, kAdditionalDataSize, true);

@@ -1,5 +1,5 @@
-// The state of a run: plain process-wide variables, set by switches and wizard pages, read by the engines. The program
-// is single-threaded, so nothing locks them.
+// The state of a run: plain process-wide variables, set by switches, wizard pages and engines. The program is
+// single-threaded, so nothing locks them.
 #pragma once
 
 #include <afx.h>

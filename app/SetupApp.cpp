@@ -1,5 +1,4 @@
-// The application object: reads the switches, tells install from uninstall, deals with other running instances and
-// hands over. It opens no window of its own.
+// Opens no window of its own.
 #include "app/SetupApp.h"
 
 #include <stdlib.h>
@@ -7,8 +6,9 @@
 #include "app/OtherInstances.h"
 #include "app/RunState.h"
 #include "app/StartBox.h"
-#include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
+#include "foundation/SystemFacts.h"
+#include "foundation/TextEnds.h"
 #include "install/InstallRun.h"
 #include "res/resource.h"
 #include "uninstall/Relaunch.h"

@@ -11,8 +11,10 @@
 #include "install/PackageList.h"
 #include "uninstall/LogReplay.h"
 
-const int kFilesInSlice = 200;
+static constexpr int kFilesInSlice = 200;
 
+namespace
+{
 struct TREES
 {
     std::wstring strPackage;
@@ -28,14 +30,6 @@ struct COUNTERPART
     void (*pfnRemove)(const std::wstring&, int, int, ListForm);
 };
 
-static const COUNTERPART kCounterparts[] = {
-    { "",
-      [](const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast, ListForm)
-      { PlainCopy(strFrom, strTo, nFirst, nLast); },
-      [](const std::wstring& strFolder, int nFirst, int nLast, ListForm) { PlainRemove(strFolder, nFirst, nLast); } },
-    { "-demanded", DemandedCopy, DemandedRemove },
-};
-
 struct ROUND
 {
     const COUNTERPART& counterpart;
@@ -47,6 +41,15 @@ struct ROUND
     {
         return std::string(pszWork) + (form == BY_MASKS ? "-masks" : "-records") + counterpart.pszEnd;
     }
+};
+} // namespace
+
+static const COUNTERPART kCounterparts[] = {
+    { "",
+      [](const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast, ListForm)
+      { PlainCopy(strFrom, strTo, nFirst, nLast); },
+      [](const std::wstring& strFolder, int nFirst, int nLast, ListForm) { PlainRemove(strFolder, nFirst, nLast); } },
+    { "-demanded", DemandedCopy, DemandedRemove },
 };
 
 static void MakeSliceLists(const TREES& trees, int nFiles, ListForm form)

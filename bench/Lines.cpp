@@ -1,6 +1,7 @@
 // Long lists whose records find no file, so that the list alone is timed.
 #include <afx.h>
 
+#include "app/Product.h"
 #include "app/RunState.h"
 #include "bench/Measurements.h"
 #include "bench/Package.h"
@@ -12,7 +13,7 @@
 
 void MeasureLines(const std::wstring& strFolder, int nLines, int nPairs)
 {
-    const std::wstring strList = strFolder + L"\\LumUnInst.log";
+    const std::wstring strList = strFolder + kFileListPath;
     const std::wstring strTarget = strFolder + L"\\target";
     CreateDirectoryW(strFolder.c_str(), nullptr);
     CreateDirectoryW(strTarget.c_str(), nullptr);

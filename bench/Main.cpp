@@ -15,12 +15,15 @@ void Report(const char* pszName, int nSize, double dProgram, double dPlain)
     fflush(stdout);
 }
 
+namespace
+{
 struct MEASUREMENT
 {
     const wchar_t* pszName;
     int nArguments;
     void (*pfnMeasure)(wchar_t** argv);
 };
+} // namespace
 
 static const MEASUREMENT kMeasurements[] = {
     { L"files", 3, [](wchar_t** argv) { MeasureFiles(argv[0], _wtoi(argv[1]), _wtoi(argv[2])); } },

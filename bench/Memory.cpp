@@ -7,12 +7,13 @@
 #include <algorithm>
 
 #include "app/InstanceManager.h"
+#include "app/Product.h"
 #include "app/RunState.h"
 #include "bench/Measurements.h"
 #include "bench/Package.h"
 #include "bench/Processes.h"
 
-const int kRounds = 3;
+static constexpr int kRounds = 3;
 
 // 0 for a process that has just ended.
 static double PeakOf(HANDLE hProcess)
@@ -98,9 +99,9 @@ void MeasureListMemory(const std::wstring& strFolder, const std::wstring& strPro
     const std::wstring strPackage = strFolder + L"\\package";
     CreateDirectoryW(strFolder.c_str(), nullptr);
     MakeProductPackage(strPackage, strProduct, 0);
-    WriteIdleList(strPackage + L"\\LumUnInst.log", nLines);
+    WriteIdleList(strPackage + kFileListPath, nLines);
     const std::wstring strTarget = strFolder + L"\\target";
     const std::wstring strSetup = L"\"" + strPackage + L"\\setup.exe\" -install -s -instport \"" + strTarget + L"\"";
     for (int i = 0; i < kRounds; ++i)
-        Report("peak-list", nLines, PeakOfInstall(strSetup, strTarget + L"\\LumUnInst.log"), 0);
+        Report("peak-list", nLines, PeakOfInstall(strSetup, strTarget + kFileListPath), 0);
 }

@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "app/Product.h"
 #include "foundation/Owners.h"
 
 static std::wstring Numbered(const wchar_t* pszFormat, int nNumber)
@@ -95,7 +96,7 @@ static void AppendRecord(std::string& strList, const wchar_t* pszPrefix, const s
 void WritePackageList(const std::wstring& strPath, const std::wstring& strPackage, int nFirst, int nLast, ListForm form)
 {
     std::string strList;
-    for (const wchar_t* pszName : { L"Lumacap8.exe", L"LumUnInst.exe" })
+    for (const wchar_t* pszName : { kProductExe, kUninstallerName })
         if (IsThere(strPackage + L"\\" + pszName))
             AppendRecord(strList, L"File Copy: ", pszName);
     const int nStep = form == BY_MASKS ? kFilesInFolder : 1;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-const int kFilesInFolder = 50;
+inline constexpr int kFilesInFolder = 50;
 
 // Relative to the package or the target: "Part07\\file0371.bin" and its folder "Part07".
 std::wstring FileName(int nFile);
@@ -12,7 +12,7 @@ std::wstring PartFolder(int nFolder);
 int FolderCount(int nFiles); // folders that hold so many
 
 // The size of a measured file in bytes: 2,000 of them are 160 MB.
-const int kFileSize = 81920;
+inline constexpr int kFileSize = 81920;
 
 enum ListForm
 {

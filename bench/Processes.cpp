@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "app/Product.h"
 #include "bench/Measurements.h"
 #include "bench/Package.h"
 #include "bench/PlainWork.h"
@@ -51,11 +52,13 @@ static std::wstring Quoted(const std::wstring& strPath)
 void MakeProductPackage(const std::wstring& strFolder, const std::wstring& strProduct, int nFiles)
 {
     MakePackageFiles(strFolder, nFiles);
-    for (const wchar_t* pszName : { L"\\setup.exe", L"\\LumUnInst.exe", L"\\Lumacap8.exe" })
+    for (const wchar_t* pszName : { L"\\setup.exe", kUninstallerPath, kProductExePath })
         CopyFileW((strProduct + pszName).c_str(), (strFolder + pszName).c_str(), FALSE);
-    WritePackageList(strFolder + L"\\LumUnInst.log", strFolder, 0, nFiles, BY_MASKS);
+    WritePackageList(strFolder + kFileListPath, strFolder, 0, nFiles, BY_MASKS);
 }
 
+namespace
+{
 struct WHOLE_RUN
 {
     std::wstring strFolder;
@@ -64,6 +67,7 @@ struct WHOLE_RUN
     const char* pszInstall;
     const char* pszRemoval;
 };
+} // namespace
 
 static void MeasureWhole(const WHOLE_RUN& run, int nPair)
 {
@@ -79,8 +83,8 @@ static void MeasureWhole(const WHOLE_RUN& run, int nPair)
     const auto copy = [&]
     { CProgram(Quoted(run.strPlain) + L"copy " + Quoted(strPackage) + Quoted(strOther) + strFiles).WaitForEnd(); };
     const PAIR installed = TimePair(nPair, install, copy);
-    RequireThere(strTarget + L"\\LumUnInst.exe");
-    const auto remove = [&] { CProgram(Quoted(strTarget + L"\\LumUnInst.exe")).WaitForFamily(); };
+    RequireThere(strTarget + kUninstallerPath);
+    const auto remove = [&] { CProgram(Quoted(strTarget + kUninstallerPath)).WaitForFamily(); };
     const auto erase = [&] { CProgram(Quoted(run.strPlain) + L"remove " + Quoted(strOther) + strFiles).WaitForEnd(); };
     const PAIR removed = TimePair(nPair, remove, erase);
     RequireGone(strTarget);

@@ -7,12 +7,8 @@
 bool PathExists(const wchar_t* pszPath);
 
 // Deletes a file, also a read-only or hidden one. Where it can't be deleted it stays without these two attributes.
-// Attributes that can't be read are masked and set all the same: the deletion decides.
 bool DeleteProtectedFile(const wchar_t* pszPath);
 
-// The full path of the running executable, at most 259 characters.
-CString GetModulePath();
-
-// Creates a folder for each part of the path that ends at a backslash at index nFirst or later, from the left, and not
-// the whole path itself. Results are ignored: a part that exists is as good as one that was made.
+// Creates, from the left, the folder in front of each backslash at index nFirst or later; not the whole path itself.
+// Results are ignored: a folder that exists is as good as one that was made.
 void CreateFoldersAbove(const wchar_t* pszPath, int nFirst);

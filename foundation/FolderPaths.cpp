@@ -1,19 +1,11 @@
 #include "foundation/FolderPaths.h"
 
-bool StartsWith(const wchar_t* pszText, const wchar_t* pszBeginning)
-{
-    return wcsncmp(pszText, pszBeginning, wcslen(pszBeginning)) == 0;
-}
-
-bool EndsWith(const CString& strText, wchar_t ch)
-{
-    return !strText.IsEmpty() && strText[strText.GetLength() - 1] == ch;
-}
+#include "foundation/TextEnds.h"
 
 CString CutTrailingBackslash(const wchar_t* pszPath)
 {
     const CString strPath(pszPath);
-    return EndsWith(strPath, L'\\') ? strPath.Left(strPath.GetLength() - 1) : strPath;
+    return EndsWith(strPath, L"\\") ? strPath.Left(strPath.GetLength() - 1) : strPath;
 }
 
 CString ParentFolder(const wchar_t* pszPath)
@@ -33,7 +25,7 @@ CString CutLastPart(const wchar_t* pszPath)
 CString WithSeparator(const wchar_t* pszFolder)
 {
     CString strFolder(pszFolder);
-    if (!EndsWith(strFolder, L'\\') && !EndsWith(strFolder, L'/'))
+    if (!EndsWith(strFolder, L"\\") && !EndsWith(strFolder, L"/"))
         strFolder += L'\\';
     return strFolder;
 }

@@ -4,15 +4,14 @@
 
 #include <afx.h>
 
-// True if the text begins, or ends, with the other one, case included.
-bool StartsWith(const wchar_t* pszText, const wchar_t* pszBeginning);
-bool EndsWith(const CString& strText, wchar_t ch);
+// What is cut off both ends of a path that is to be made part by part.
+inline constexpr wchar_t kPathTrim[] = L" \t\r\n\\";
 
 // The path without the one backslash that it may end in.
 CString CutTrailingBackslash(const wchar_t* pszPath);
 
 // The folder that a path stands in, without a trailing backslash. One trailing backslash of the path itself is dropped
-// first. Empty for a null path, a drive root, and a path whose only backslash stands at its start or that has none.
+// first. Empty for a null path and a drive root, and where no backslash stands behind the first character.
 CString ParentFolder(const wchar_t* pszPath);
 
 // The path less one trailing backslash and then cut at its last backslash; without a backslash nothing is cut.

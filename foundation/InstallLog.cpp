@@ -1,6 +1,6 @@
 #include "foundation/InstallLog.h"
 
-#include "foundation/FolderPaths.h"
+#include "foundation/TextEnds.h"
 
 CInstallLogReader::CInstallLogReader(const wchar_t* pszPath) : m_file(_wfopen(pszPath, L"r"))
 {

@@ -16,6 +16,11 @@ inline constexpr wchar_t kMakeDir[] = L"Make Dir: "; // relative, from the packa
 inline constexpr wchar_t kMadeDir[] = L"Made Dir: "; // absolute, written by an install
 inline constexpr wchar_t kShellLink[] = L"Shell Link: ";
 
+// The file records that a removal goes by, in the order in which a line is tested for them.
+inline constexpr const wchar_t* kRemovedPrefixes[] = {
+    kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
+};
+
 inline constexpr int kLogLineCapacity = 512; // characters, the terminator included
 
 // Reads a list line by line. A list that can't be opened reads as one without lines.

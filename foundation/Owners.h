@@ -60,7 +60,7 @@ struct HandleTraits
     static void Close(HANDLE handle) { CloseHandle(handle); }
 };
 
-// For handles whose failure is INVALID_HANDLE_VALUE: files, snapshots.
+// For handles whose failure is INVALID_HANDLE_VALUE: files.
 struct FileTraits
 {
     using Handle = HANDLE;

@@ -9,7 +9,7 @@ inline constexpr DWORD kBoundedWaitMs = 5000;
 
 // Starts a program and waits at most dwWaitMs milliseconds for its end; 0 doesn't wait at all. A null working folder
 // stands for the install folder. Returns non-zero if the program was started. A program that outlasts the wait goes on.
-// A command line of 520 characters or more ends the process, as StopProcess does.
+// The command line holds at most 519 characters.
 int RunAndWait(const wchar_t* pszCommandLine, const wchar_t* pszWorkingFolder, DWORD dwWaitMs);
 
 // Enables or disables one privilege of a token opened for adjusting. Returns 1 when the change was made, else 0.

@@ -1,6 +1,5 @@
 // The abnormal end of the process.
 #pragma once
 
-// Ends the process at once, with no message and no clean-up: what a failed range test gives, and an exception that
-// nothing catches.
+// Ends the process at once, with no message and no clean-up. Over-long texts and uncaught exceptions end in it.
 [[noreturn]] void StopProcess();

@@ -8,8 +8,8 @@
 // text of 130 characters or more. The value's type isn't looked at: its bytes are taken as wide text.
 CString ReadRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName);
 
-inline constexpr DWORD kRegistryTextCapacity =
-    512; // characters of a key name, a path or a text, the terminator included
+// Characters of a key name, a path or a text, the terminator included.
+inline constexpr DWORD kRegistryTextCapacity = 512;
 
 // The text of a value of an open key, null for the default value: unlike ReadRegString it gives up to 511 characters.
 // Empty if the value can't be read. The type isn't looked at here either.

@@ -30,6 +30,8 @@ static const ShellFolderValue kShellFolderValues[] = {
     { CSIDL_COMMON_PICTURES, HKEY_LOCAL_MACHINE, L"CommonPictures" },
 };
 
+static constexpr int kTooShortFolder = 4; // characters
+
 static CString ReadShellFolderValue(int nFolder)
 {
     for (const ShellFolderValue& row : kShellFolderValues)
@@ -47,6 +49,19 @@ CString GetSpecialFolder(int nFolder)
                                         strFolder.GetBuffer(MAX_PATH));
     strFolder.ReleaseBuffer();
     return hr >= 0 ? strFolder : ReadShellFolderValue(nFolder);
+}
+
+bool IsFolderPath(const CString& strFolder)
+{
+    return strFolder.GetLength() > kTooShortFolder;
+}
+
+CString GetModulePath()
+{
+    CString strPath;
+    GetModuleFileNameW(nullptr, strPath.GetBuffer(MAX_PATH), MAX_PATH);
+    strPath.ReleaseBuffer();
+    return strPath;
 }
 
 int IsNT6OrLater()

@@ -1,4 +1,4 @@
-// What the flows ask of the machine: where a shell folder is, which Windows runs, how the process runs on it.
+// What the flows ask of the machine: where a shell folder is, which Windows runs, how and from where the process runs.
 #pragma once
 
 #include <afx.h>
@@ -10,8 +10,11 @@ CString GetSpecialFolder(int nFolder);
 // The registry's list of shell folders, for the machine and for each user.
 inline constexpr wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
-// A shell folder whose path has this many characters or fewer is passed over by whoever looks for links there.
-inline constexpr int kTooShortFolder = 4;
+// False for a path of four characters or fewer: whoever looks for links in a shell folder passes over such a one.
+bool IsFolderPath(const CString& strFolder);
+
+// The full path of the running executable, at most 259 characters.
+CString GetModulePath();
 
 // Non-zero on Windows Vista and later.
 int IsNT6OrLater();

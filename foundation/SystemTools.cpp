@@ -1,4 +1,3 @@
-// Clipboard, WOW64 state, free file names and the parent process, each a plain sequence of platform calls.
 #include "foundation/SystemTools.h"
 
 #include <tlhelp32.h>
@@ -11,10 +10,10 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/Owners.h"
 
-const wchar_t kDefaultExtension[] = L"TMP";
-const wchar_t kDefaultPrefix[] = L"LUM";
-const unsigned int kCounterMask = 0xFFFFFFF;
-const size_t kFolderCapacity = 261;
+static constexpr wchar_t kDefaultExtension[] = L"TMP";
+static constexpr wchar_t kDefaultPrefix[] = L"LUM";
+static constexpr unsigned int kCounterMask = 0xFFFFFFF;
+static constexpr size_t kFolderCapacity = 261;
 
 using ModuleFileNameFunction = DWORD(WINAPI*)(HANDLE, HMODULE, LPWSTR, DWORD);
 
@@ -25,7 +24,7 @@ static void ChooseTempFolder(wchar_t (&szFolder)[kFolderCapacity], const wchar_t
     if (pszWanted != nullptr && PathExists(pszWanted))
         CopyBounded(szFolder, pszWanted);
     else
-        GetTempPathW(MAX_PATH, szFolder);
+        GetTempPathW(MAX_PATH, szFolder); // one less than there is room for: a wanted folder alone may fill it
 
     const size_t cch = wcslen(szFolder);
     if (cch != 0 && (szFolder[cch - 1] == L'\\' || szFolder[cch - 1] == L'/'))

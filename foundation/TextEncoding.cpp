@@ -1,4 +1,3 @@
-// Code page conversions, two encoders told apart by a table, and the lookup of error texts.
 // The alphabets are fixed, letter by letter: whoever decodes the texts counts on them.
 #include "foundation/TextEncoding.h"
 
@@ -9,8 +8,10 @@
 #include "foundation/BoundedText.h"
 #include "foundation/Owners.h"
 
-const size_t kUnboundedCapacity = 0x7FFFFFFF;
+static constexpr size_t kUnboundedCapacity = 0x7FFFFFFF;
 
+namespace
+{
 struct Encoder
 {
     const wchar_t* pszAlphabet; // passed through unchanged, looked up in upper case
@@ -18,18 +19,19 @@ struct Encoder
     const wchar_t* pszReplacement;
 };
 
-// Two hyphens in each, a space in the second only, an ampersand in the first only: all of it is meant to be there.
-const Encoder kPostEncoder = { L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.&+-!'*\"(),;/#?:", L' ', L"+" };
-const Encoder kQueryEncoder = { L" ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.+-!'*\"(),;/#?:", L'&', L"(AND)" };
-
 struct MessageSource
 {
     int nFirst;
     int nLast;
     const wchar_t* pszFile;
 };
+} // namespace
 
-const MessageSource kMessageSources[] = {
+// Two hyphens in each, a space in the second only, an ampersand in the first only: all of it is meant to be there.
+static const Encoder kPostEncoder = { L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.&+-!'*\"(),;/#?:", L' ', L"+" };
+static const Encoder kQueryEncoder = { L" ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.+-!'*\"(),;/#?:", L'&', L"(AND)" };
+
+static const MessageSource kMessageSources[] = {
     { 2100, 2999, L"netmsg.dll" },
     { 12000, 12190, L"wininet.dll" },
 };

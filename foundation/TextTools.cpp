@@ -1,11 +1,11 @@
-// Cutting, trimming and sorting. Quadratic where it is simplest: the texts are short and the lists shorter.
+// Quadratic where that is simplest: texts and lists are short.
 #include "foundation/TextTools.h"
 
 #include <string.h>
 #include <wchar.h>
 
-const wchar_t kByteOrderMark = 0xFEFF;
-const wchar_t kSwappedByteOrderMark = 0xFFFE;
+static constexpr wchar_t kByteOrderMark = 0xFEFF;
+static constexpr wchar_t kSwappedByteOrderMark = 0xFFFE;
 
 // A byte with its top bit set is text, although char is signed.
 static bool IsBlank(char ch)
@@ -17,8 +17,8 @@ static bool IsBlank(wchar_t ch)
     return ch <= 32;
 }
 
-// Every blank at the end is overwritten, not just the first of them, but never the first character of the text: a text
-// of one blank is left for the start to trim.
+// Overwrites every blank at the end but never the first character. A text of one blank is left to the trim of the
+// start.
 template <typename Char>
 static void TrimEnd(Char* pszText, size_t cch)
 {

@@ -7,8 +7,10 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
 #include "foundation/RegistryValues.h"
 #include "foundation/SystemFacts.h"
+#include "foundation/TextEnds.h"
 
 CString FindInstalledFolder()
 {
@@ -53,7 +55,7 @@ static MenuFolders GetMenuFolders()
         folders.strPrograms = GetSpecialFolder(CSIDL_PROGRAMS);
         folders.strStartup = GetSpecialFolder(CSIDL_STARTUP);
     }
-    if (!EndsWith(folders.strPrograms, L'\\'))
+    if (!EndsWith(folders.strPrograms, L"\\"))
         folders.strPrograms += L'\\';
     folders.strPrograms.MakeLower();
     folders.strStartup.MakeLower();
@@ -93,7 +95,7 @@ void TakeOverGroup()
 }
 
 // Tries to write a file in the common Startup folder. What comes of it decides nothing, and a file that could not be
-// opened stays.
+// opened stays: not to be tidied away, since without this a run would leave other traces there.
 static void ProbeFolder(const wchar_t* pszFolder)
 {
     wchar_t szProbe[MAX_PATH] = L"";
@@ -107,19 +109,16 @@ static void ProbeFolder(const wchar_t* pszFolder)
 
 static bool HasProductLink(const CString& strFolder)
 {
-    return PathExists(strFolder + L"\\" + kProductName + kLinkExtension);
+    return IsFolderPath(strFolder) && PathExists(strFolder + kProductLinkPath);
 }
 
 void TakeOverAutoStart()
 {
     const CString strCommon = GetSpecialFolder(CSIDL_COMMON_STARTUP);
     const CString strUser = GetSpecialFolder(CSIDL_STARTUP);
-    g_bAutoStart = 0;
-    if (strCommon.GetLength() > kTooShortFolder)
-    {
+    if (IsFolderPath(strCommon))
         ProbeFolder(strCommon);
-        g_bAutoStart = HasProductLink(strCommon);
-    }
-    if (strUser.GetLength() > kTooShortFolder && HasProductLink(strUser))
+    g_bAutoStart = HasProductLink(strCommon);
+    if (HasProductLink(strUser))
         g_bAutoStart = 1;
 }

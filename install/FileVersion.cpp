@@ -74,7 +74,7 @@ void ReadFileVersion(const wchar_t* pszPath)
     free(pBlock);
 }
 
-unsigned int FoldVersion(unsigned int nMajor, unsigned int nMinor, unsigned int nFix, unsigned int nBuild)
+unsigned int FoldVersion(const Version& version)
 {
-    return ((nMajor * 100 + nMinor) * 100 + nFix) * 100 + nBuild;
+    return ((version.nMajor * 100 + version.nMinor) * 100 + version.nFix) * 100 + version.nBuild;
 }

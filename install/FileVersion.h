@@ -5,6 +5,14 @@
 // file that is missing or carries no version.
 void ReadFileVersion(const wchar_t* pszPath);
 
-// Folds a file version of four parts into one number, two decimal digits a part, wrapping around at 32 bits. A part of
-// 100 or more spills into the one before it.
-unsigned int FoldVersion(unsigned int nMajor, unsigned int nMinor, unsigned int nFix, unsigned int nBuild);
+struct Version
+{
+    unsigned int nMajor;
+    unsigned int nMinor;
+    unsigned int nFix;
+    unsigned int nBuild;
+};
+
+// Folds a file version into one number, two decimal digits a part, wrapping around at 32 bits. A part of 100 or more
+// spills into the one before it.
+unsigned int FoldVersion(const Version& version);

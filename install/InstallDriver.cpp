@@ -6,6 +6,7 @@
 #include "app/Product.h"
 #include "app/RunState.h"
 #include "foundation/DiskFiles.h"
+#include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/StringTable.h"
@@ -39,7 +40,7 @@ static int FolderByKind(int nCommonFolder, int nUserFolder)
     return g_nInstallKind == KIND_ALL_USERS ? nCommonFolder : nUserFolder;
 }
 
-const int kShortestProgramsFolder = 4; // characters
+static constexpr int kShortestProgramsFolder = 4; // characters
 
 // The folder that the group goes to. Without a common one the whole rest of the install is for the current user.
 static CString SettleProgramsFolder()
@@ -63,20 +64,20 @@ static void CreateProductLink(const CString& strFolder)
 
 static void CreateHelpLink(const CString& strFolder)
 {
-    CreateShellLink(g_strInstDir + L"\\Lumacap8Man.chm",
-                    strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension, L"", SW_SHOWNORMAL, nullptr,
-                    nullptr);
+    CreateShellLink(g_strInstDir + L"\\" + kHelpFile, strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension,
+                    L"", SW_SHOWNORMAL, nullptr, nullptr);
 }
 
-// Only the deepest folder of a nested group is recorded, and whether it could be made or not: a removal climbs from
-// there. An empty name gives the programs folder itself with a backslash behind it.
+// Only the deepest folder of a nested group is recorded, made or not: a removal climbs from there. An empty name gives
+// the programs folder itself with a backslash behind it.
 static void CreateProgramGroup()
 {
     const CString strPrograms = SettleProgramsFolder();
     g_strGroup.Replace(L'/', L'\\');
-    g_strGroup.Trim(L" \t\r\n\\");
+    g_strGroup.Trim(kPathTrim);
 
     const CString strGroupFolder = strPrograms + L"\\" + g_strGroup;
+    // The separator, and at least one character of the group's name.
     CreateFoldersAbove(strGroupFolder, strPrograms.GetLength() + 2);
     CreateDirectoryW(strGroupFolder, nullptr);
     AppendLogLine(g_strInstDir + kFileListPath, kMadeDir + strGroupFolder);
@@ -99,8 +100,8 @@ static void TakeOverSettings()
 {
     if (g_strSfxName.IsEmpty())
         return;
-    g_bSettingsCopied = ReplaceOneFile(L"Lumacap8.ini", g_strSfxName, g_strInstDir, nullptr);
-    ReplaceOneFile(L"Lumacap8.reg", g_strSfxName, g_strInstDir, nullptr);
+    g_bSettingsCopied = ReplaceOneFile(kSettingsFile, g_strSfxName, g_strInstDir, nullptr);
+    ReplaceOneFile(kRegistrySettingsFile, g_strSfxName, g_strInstDir, nullptr);
 }
 
 static void LetProductRegister()

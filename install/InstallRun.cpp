@@ -10,9 +10,11 @@
 #include "foundation/ProcessLaunch.h"
 #include "foundation/RegistryValues.h"
 #include "foundation/StringTable.h"
+#include "foundation/SystemFacts.h"
 #include "install/EarlierInstallation.h"
 #include "install/FileVersion.h"
 #include "install/InstallDriver.h"
+#include "install/InstallSwitches.h"
 #include "res/resource.h"
 #include "wizard/WizardRun.h"
 
@@ -35,51 +37,6 @@ static CString GetProgramFilesFolder()
     return CutTrailingBackslash(strFolder);
 }
 
-// A quoted folder that ends in a backslash reaches the program with its closing quote still on it, since the runtime
-// reads the two as a literal quote. Both are cut.
-static CString CleanFolderArgument(const wchar_t* pszArgument)
-{
-    CString strFolder(pszArgument);
-    if (EndsWith(strFolder, L'"'))
-        strFolder = strFolder.Left(strFolder.GetLength() - 1);
-    if (EndsWith(strFolder, L'\\') || EndsWith(strFolder, L'/'))
-        strFolder = strFolder.Left(strFolder.GetLength() - 1);
-    return strFolder;
-}
-
-// Handles the switches that begin with "-inst"; -install lands here too, and is passed over. The folder in the next
-// argument isn't skipped by the scan: it is tested as a switch like any other.
-static void ScanFolderSwitch(int nIndex, CString& strFolder)
-{
-    const bool bPortable = wcscmp(__wargv[nIndex], L"-instport") == 0;
-    if (bPortable)
-        g_nInstallKind = KIND_PORTABLE;
-    if ((bPortable || wcscmp(__wargv[nIndex], L"-instdir") == 0) && nIndex + 1 < __argc)
-        strFolder = CleanFolderArgument(__wargv[nIndex + 1]);
-}
-
-static void ScanInstallSwitches()
-{
-    CString strFolder;
-    for (int i = 1; i < __argc; ++i)
-    {
-        const wchar_t* pszArgument = __wargv[i];
-        if (StartsWith(pszArgument, L"-inst"))
-            ScanFolderSwitch(i, strFolder);
-        else if (_wcsicmp(pszArgument, L"-runafter") == 0)
-            g_bRunAfter = 1;
-        // Never the case, since the kind starts at all users: the switch is accepted and has no effect of its own.
-        else if (g_nInstallKind == KIND_CURRENT_USER && _wcsicmp(pszArgument, L"-allusers") == 0)
-            g_nInstallKind = KIND_ALL_USERS;
-        else if (_wcsicmp(pszArgument, L"-autostart") == 0)
-            g_bAutoStart = 1;
-        else if (_wcsicmp(pszArgument, L"-nodeskico") == 0)
-            g_bDeskIcon = 0;
-    }
-    if (!strFolder.IsEmpty())
-        g_strInstDir = strFolder;
-}
-
 static void ChooseTarget()
 {
     g_strInstDir = FindInstalledFolder();
@@ -93,19 +50,6 @@ static void ChooseTarget()
     g_strGroup = kProductName;
 }
 
-namespace
-{
-struct Version
-{
-    unsigned int nMajor;
-    unsigned int nMinor;
-    unsigned int nFix;
-    unsigned int nBuild;
-
-    unsigned int Folded() const { return FoldVersion(nMajor, nMinor, nFix, nBuild); }
-};
-} // namespace
-
 static Version ReadVersion(const wchar_t* pszPath)
 {
     ReadFileVersion(pszPath);
@@ -115,7 +59,7 @@ static Version ReadVersion(const wchar_t* pszPath)
 static bool ConfirmVersion(const Version& installed, const Version& package)
 {
     CString strQuestion;
-    if (package.Folded() < installed.Folded())
+    if (FoldVersion(package) < FoldVersion(installed))
         strQuestion.Format(LoadResString(IDS_OLDER_PACKAGE), installed.nMajor, installed.nMinor, installed.nFix,
                            installed.nBuild, package.nMajor, package.nMinor, package.nFix, package.nBuild);
     else
@@ -130,7 +74,7 @@ static bool CompareVersions()
 {
     const Version installed = ReadVersion(g_strInstDir + kProductExePath);
     const Version package = ReadVersion(g_strSourceDir + kProductExePath);
-    if (g_nSilent == SILENT_OFF && installed.Folded() >= package.Folded())
+    if (g_nSilent == SILENT_OFF && FoldVersion(installed) >= FoldVersion(package))
         return ConfirmVersion(installed, package);
     g_bUpgrade = 1;
     return true;

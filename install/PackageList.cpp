@@ -4,6 +4,7 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
 #include "foundation/SystemFacts.h"
 #include "install/FileReplacement.h"
 
@@ -35,31 +36,47 @@ static void CopyRecord(const wchar_t* pszValue, const CString& strTargetFolder)
         CopyMatchingFiles(pszValue, g_strSourceDir, strTargetFolder);
 }
 
-// A folder is made one level deep, no parents: ahead of the first copied file the install folder may not be there yet.
-static void ProcessLine(const wchar_t* pszLine, bool bWow64)
+namespace
 {
-    const bool bPortable = g_nInstallKind == KIND_PORTABLE;
-    const auto value = [&](const wchar_t* pszPrefix) { return FindRecordValue(pszLine, pszPrefix); };
+struct CopyRule
+{
+    const wchar_t* pszPrefix;
+    bool bApplies;
+    bool bUnlessFound; // not where the machine has the library anyway
+    CString strTargetFolder;
+};
+} // namespace
 
-    if (const wchar_t* pszFile = value(kFileCopy))
-        CopyRecord(pszFile, g_strInstDir);
-    else if (const wchar_t* pszFileX64 = value(kFileCopyX64); pszFileX64 != nullptr && (bPortable || bWow64))
-        CopyRecord(pszFileX64, g_strInstDir);
-    else if (const wchar_t* pszStarter = value(kFileCopyPortable); pszStarter != nullptr && bPortable)
-        CopyRecord(pszStarter, CutLastPart(g_strInstDir)); // beside the folder
-    else if (const wchar_t* pszLibrary = value(kFileCopyIfAbsent);
-             pszLibrary != nullptr && (bPortable || !LoadsWithoutPackage(pszLibrary)))
-        CopyRecord(pszLibrary, g_strInstDir);
-    else if (const wchar_t* pszFolder = value(kMakeDir))
+// A folder is made one level deep, no parents: ahead of the first copied file the install folder may not be there yet.
+template <size_t nRules>
+static void ProcessLine(const wchar_t* pszLine, const CopyRule (&rules)[nRules])
+{
+    for (const CopyRule& rule : rules)
+    {
+        const wchar_t* pszFile = FindRecordValue(pszLine, rule.pszPrefix);
+        if (pszFile == nullptr)
+            continue;
+        if (rule.bApplies && !(rule.bUnlessFound && LoadsWithoutPackage(pszFile)))
+            CopyRecord(pszFile, rule.strTargetFolder);
+        return;
+    }
+    if (const wchar_t* pszFolder = FindRecordValue(pszLine, kMakeDir))
         CreateDirectoryW(g_strInstDir + L"\\" + pszFolder, nullptr);
 }
 
 void ProcessPackageList(const wchar_t* pszList)
 {
     const bool bWow64 = IsWow64() != 0;
+    const bool bPortable = g_nInstallKind == KIND_PORTABLE;
+    const CopyRule kRules[] = {
+        { kFileCopy, true, false, g_strInstDir },
+        { kFileCopyX64, bPortable || bWow64, false, g_strInstDir },
+        { kFileCopyPortable, bPortable, false, CutLastPart(g_strInstDir) }, // beside the folder
+        { kFileCopyIfAbsent, true, !bPortable, g_strInstDir },
+    };
     CInstallLogReader list(pszList);
     while (list.ReadLine())
-        ProcessLine(list.Line(), bWow64);
+        ProcessLine(list.Line(), kRules);
 }
 
 // The folder that the matches of a mask go to, with a backslash at its end.
@@ -78,7 +95,7 @@ static CString GetMatchTarget(const wchar_t* pszMask, const wchar_t* pszTargetFo
 static void MakeFolder(const CString& strFolder)
 {
     CString strPath(strFolder);
-    strPath.Trim(L" \t\r\n\\");
+    strPath.Trim(kPathTrim);
     CreateFoldersAbove(strPath, 1);
     CreateDirectoryW(strPath, nullptr);
 }

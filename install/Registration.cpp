@@ -21,16 +21,15 @@ struct RegistryWrite
     const wchar_t* pszValueName; // null: the default value
     CString strText;
     const unsigned int* pnNumber = nullptr; // written in the place of the text, if there is one
+    bool bEachFormat = false;               // the text goes to a value for each image format
 };
 } // namespace
-
-static const wchar_t kEachFormat[] = L""; // as a value's name: the text goes to each image format
 
 static void Write(const RegistryWrite& row)
 {
     if (row.pnNumber != nullptr)
         WriteRegDword(row.hRoot, row.pszKey, row.pszValueName, *row.pnNumber);
-    else if (row.pszValueName != kEachFormat)
+    else if (!row.bEachFormat)
         WriteRegString(row.hRoot, row.pszKey, row.pszValueName, row.strText);
     else
         for (const AssocExtension& format : g_aAssocExts)
@@ -59,7 +58,7 @@ static CString FormatNumbers(const wchar_t* pszFormat, Numbers... numbers)
 }
 
 // In the order in which they are written. Of the version the fourth part is left out, and the first two stand as text
-// and as numbers: all of that stays. A later run tells the kinds apart by the letters.
+// and as numbers, which is not to be tidied away. A later run tells the kinds apart by the letters of "AllUsers".
 static void WriteValues()
 {
     const HKEY hMachine = HKEY_LOCAL_MACHINE;
@@ -69,7 +68,7 @@ static void WriteValues()
         { hMachine, kProductKey, L"AllUsers", g_nInstallKind == KIND_ALL_USERS ? L"B" : L"A" },
         { hMachine, kProductKey, L"Path", g_strInstDir },
         { hClasses, kClassOpenKey, nullptr, GetOpenCommand() },
-        { hMachine, kFileAssociationsKey, kEachFormat, GetAssociationTarget() },
+        { hMachine, kFileAssociationsKey, nullptr, GetAssociationTarget(), nullptr, true },
         { hMachine, kRegisteredApplicationsKey, kProductClass, kCapabilitiesKey },
         { hMachine, kAppPathsKey, nullptr, g_strInstDir + kProductExePath },
         { hMachine, kAppPathsKey, L"Path", g_strInstDir },

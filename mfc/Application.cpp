@@ -6,8 +6,7 @@
 IMPLEMENT_DYNAMIC(CWinApp, CWinThread)
 
 CWinApp::CWinApp(LPCTSTR lpszAppName)
-    : m_hInstance(nullptr), m_lpCmdLine(nullptr), m_nCmdShow(0),
-      m_pszAppName(lpszAppName ? _wcsdup(lpszAppName) : nullptr), m_pszExeName(nullptr), m_pszHelpFilePath(nullptr),
+    : m_pszAppName(lpszAppName ? _wcsdup(lpszAppName) : nullptr), m_pszExeName(nullptr), m_pszHelpFilePath(nullptr),
       m_dwRestartManagerSupportFlags(0)
 {
     AfxGetModuleState()->m_pCurrentWinApp = this;
@@ -25,11 +24,6 @@ CWinApp::~CWinApp()
 BOOL CWinApp::InitInstance()
 {
     return TRUE;
-}
-
-int CWinApp::ExitInstance()
-{
-    return CWinThread::ExitInstance();
 }
 
 int CWinApp::Run()

@@ -8,54 +8,40 @@ ON_COMMAND(IDOK, &CDialog::OnOK)
 ON_COMMAND(IDCANCEL, &CDialog::OnCancel)
 END_MESSAGE_MAP()
 
-namespace
-{
-LPCDLGTEMPLATE LoadTemplate(LPCTSTR lpszTemplateName)
+static LPCDLGTEMPLATE LoadTemplate(UINT nIDTemplate)
 {
     HINSTANCE hModule = AfxGetResourceHandle();
-    HRSRC hResource = FindResourceW(hModule, lpszTemplateName, RT_DIALOG);
+    HRSRC hResource = FindResourceW(hModule, MAKEINTRESOURCEW(nIDTemplate), RT_DIALOG);
     return hResource ? static_cast<LPCDLGTEMPLATE>(LockResource(LoadResource(hModule, hResource))) : nullptr;
 }
-} // namespace
 
-CDialog::CDialog() : m_lpszTemplateName(nullptr), m_pParentWnd(nullptr) {}
+CDialog::CDialog() : CDialog(0) {}
 
-CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd) : CDialog(MAKEINTRESOURCEW(nIDTemplate), pParentWnd) {}
-
-CDialog::CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
-    : m_lpszTemplateName(lpszTemplateName), m_pParentWnd(pParentWnd)
-{
-}
+CDialog::CDialog(UINT nIDTemplate) : m_nIDTemplate(nIDTemplate) {}
 
 CDialog::~CDialog()
 {
-    // While the object is still a dialog to those that its window's end calls.
+    // Here and not in the base class: what the window's end calls must still meet a dialog.
     if (m_hWnd)
         CDialog::DestroyWindow();
 }
 
 BOOL CDialog::Create(UINT nIDTemplate, CWnd* pParentWnd)
 {
-    return Create(MAKEINTRESOURCEW(nIDTemplate), pParentWnd);
-}
-
-BOOL CDialog::Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
-{
-    m_lpszTemplateName = lpszTemplateName;
-    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(lpszTemplateName);
+    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(nIDTemplate);
     if (!lpTemplate)
         return FALSE;
-    m_pParentWnd = pParentWnd ? pParentWnd : AfxGetMainWnd();
-    return CreateDialogIndirectParamW(AfxGetInstanceHandle(), lpTemplate, m_pParentWnd ? m_pParentWnd->m_hWnd : nullptr,
-                                      Initialize, reinterpret_cast<LPARAM>(this)) != nullptr;
+    const CWnd* pOwner = pParentWnd ? pParentWnd : AfxGetMainWnd();
+    return CreateDialogIndirectParamW(AfxGetInstanceHandle(), lpTemplate, pOwner ? pOwner->m_hWnd : nullptr, Initialize,
+                                      reinterpret_cast<LPARAM>(this)) != nullptr;
 }
 
 INT_PTR CDialog::DoModal()
 {
-    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(m_lpszTemplateName);
+    const LPCDLGTEMPLATE lpTemplate = LoadTemplate(m_nIDTemplate);
     if (!lpTemplate)
         return -1;
-    const CWnd* pOwner = GetSafeOwner(m_pParentWnd);
+    const CWnd* pOwner = GetSafeOwner();
     return DialogBoxIndirectParamW(AfxGetInstanceHandle(), lpTemplate, pOwner ? pOwner->m_hWnd : nullptr, Initialize,
                                    reinterpret_cast<LPARAM>(this));
 }

@@ -1,9 +1,7 @@
 // The exchange of data between a dialog's controls and its members.
 #include <afxwin.h>
 
-namespace
-{
-HWND FindControl(CDataExchange* pDX, int nIDC)
+static HWND FindControl(CDataExchange* pDX, int nIDC)
 {
     HWND hControl = GetDlgItem(pDX->m_pDlgWnd->m_hWnd, nIDC);
     if (!hControl)
@@ -11,18 +9,16 @@ HWND FindControl(CDataExchange* pDX, int nIDC)
     return hControl;
 }
 
-bool IsRadioButton(HWND hWnd)
+static bool IsRadioButton(HWND hWnd)
 {
     return (SendMessageW(hWnd, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0;
 }
 
-HWND NextInGroup(HWND hWnd)
+static HWND NextInGroup(HWND hWnd)
 {
     hWnd = GetWindow(hWnd, GW_HWNDNEXT);
     return hWnd && (GetWindowLongW(hWnd, GWL_STYLE) & WS_GROUP) == 0 ? hWnd : nullptr;
 }
-} // namespace
-
 CDataExchange::CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate)
     : m_bSaveAndValidate(bSaveAndValidate), m_pDlgWnd(pDlgWnd)
 {
@@ -35,9 +31,8 @@ BOOL CWnd::UpdateData(BOOL bSaveAndValidate)
     {
         DoDataExchange(&exchange);
     }
-    catch (CException* e)
+    catch (CException*)
     {
-        e->Delete();
         return FALSE;
     }
     return TRUE;

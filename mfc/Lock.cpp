@@ -6,23 +6,11 @@ CSingleLock::CSingleLock(CSyncObject* pObject, BOOL bInitialLock) : m_pObject(pO
     if (!pObject)
         AfxThrowInvalidArgException();
     if (bInitialLock)
-        Lock();
+        m_bAcquired = pObject->Lock();
 }
 
 CSingleLock::~CSingleLock()
 {
-    Unlock();
-}
-
-BOOL CSingleLock::Lock(DWORD dwTimeOut)
-{
-    m_bAcquired = m_pObject->Lock(dwTimeOut);
-    return m_bAcquired;
-}
-
-BOOL CSingleLock::Unlock()
-{
     if (m_bAcquired)
-        m_bAcquired = !m_pObject->Unlock();
-    return !m_bAcquired;
+        m_pObject->Unlock();
 }

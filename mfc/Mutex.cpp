@@ -4,7 +4,7 @@
 IMPLEMENT_DYNAMIC(CSyncObject, CObject)
 IMPLEMENT_DYNAMIC(CMutex, CSyncObject)
 
-CSyncObject::CSyncObject(LPCTSTR) : m_hObject(nullptr) {}
+CSyncObject::CSyncObject() : m_hObject(nullptr) {}
 
 CSyncObject::~CSyncObject()
 {
@@ -12,20 +12,15 @@ CSyncObject::~CSyncObject()
         CloseHandle(m_hObject);
 }
 
-BOOL CSyncObject::Lock(DWORD dwTimeout)
+BOOL CSyncObject::Lock()
 {
-    const DWORD dwResult = WaitForSingleObject(m_hObject, dwTimeout);
+    const DWORD dwResult = WaitForSingleObject(m_hObject, INFINITE);
     return dwResult == WAIT_OBJECT_0 || dwResult == WAIT_ABANDONED;
 }
 
-BOOL CSyncObject::Unlock(LONG, LPLONG)
+CMutex::CMutex(BOOL bInitiallyOwn, LPCTSTR lpszName)
 {
-    return TRUE;
-}
-
-CMutex::CMutex(BOOL bInitiallyOwn, LPCTSTR lpszName, LPSECURITY_ATTRIBUTES lpsaAttribute) : CSyncObject(lpszName)
-{
-    m_hObject = CreateMutexW(lpsaAttribute, bInitiallyOwn, lpszName);
+    m_hObject = CreateMutexW(nullptr, bInitiallyOwn, lpszName);
     if (!m_hObject)
         AfxThrowResourceException();
 }

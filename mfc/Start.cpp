@@ -3,12 +3,10 @@
 
 #include <stdlib.h>
 
-namespace
-{
-void NameExecutable(CWinApp* pApp)
+static void NameExecutable(CWinApp* pApp)
 {
     wchar_t szPath[MAX_PATH] = L"";
-    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
+    GetModuleFileNameW(nullptr, szPath, _countof(szPath));
     CString strPath(szPath);
     const int iDot = strPath.ReverseFind(L'.');
     if (iDot > strPath.ReverseFind(L'\\'))
@@ -18,9 +16,8 @@ void NameExecutable(CWinApp* pApp)
     if (!pApp->m_pszHelpFilePath)
         pApp->m_pszHelpFilePath = _wcsdup(strPath + L".HLP");
 }
-} // namespace
 
-BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR lpCmdLine, int nCmdShow)
+BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR, int)
 {
     // A drive without a medium is told by the call that meets it, and not by a box of the system's own.
     SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
@@ -32,9 +29,6 @@ BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE, LPTSTR lpCmdLine, int nCm
     CWinApp* pApp = AfxGetApp();
     if (!pApp)
         return TRUE;
-    pApp->m_hInstance = hInstance;
-    pApp->m_lpCmdLine = lpCmdLine;
-    pApp->m_nCmdShow = nCmdShow;
     NameExecutable(pApp);
     if (!pApp->m_pszAppName)
     {

@@ -1,20 +1,17 @@
-// The framework's strings, for both character types: their memory, their making, formats and resources. All changes of
-// text go through one operation, Splice, which copes with text that is part of the string itself.
+// The framework's strings, for both character types: their memory, their making, formats and resources. Whatever
+// inserts or deletes text goes through Splice, which copes with text that is part of the string itself.
 #include "mfc/StringParts.h"
 
-namespace
-{
-void CopyText(CStringW& str, const wchar_t* pchText, int nLength)
+static void CopyText(CStringW& str, const wchar_t* pchText, int nLength)
 {
     str = CStringW(pchText, nLength);
 }
 
-void CopyText(CStringA& str, const wchar_t* pchText, int nLength)
+static void CopyText(CStringA& str, const wchar_t* pchText, int nLength)
 {
     const int nNarrow = WideCharToMultiByte(CP_ACP, 0, pchText, nLength, nullptr, 0, nullptr, nullptr);
     WideCharToMultiByte(CP_ACP, 0, pchText, nLength, str.GetBufferSetLength(nNarrow), nNarrow, nullptr, nullptr);
 }
-} // namespace
 
 template <typename T>
 T CStringT<T>::s_chEmpty = 0;
@@ -86,21 +83,21 @@ CStringT<T>& CStringT<T>::operator=(PCXSTR pszSrc)
 template <typename T>
 CStringT<T>& CStringT<T>::operator+=(const CStringT& strSrc)
 {
-    Append(strSrc.m_pszData, strSrc.m_nLength);
+    Splice(m_nLength, 0, strSrc.m_pszData, strSrc.m_nLength);
     return *this;
 }
 
 template <typename T>
 CStringT<T>& CStringT<T>::operator+=(PCXSTR pszSrc)
 {
-    Append(pszSrc);
+    Splice(m_nLength, 0, pszSrc, TextLength(pszSrc));
     return *this;
 }
 
 template <typename T>
 CStringT<T>& CStringT<T>::operator+=(XCHAR ch)
 {
-    Append(&ch, 1);
+    Splice(m_nLength, 0, &ch, 1);
     return *this;
 }
 
@@ -120,46 +117,19 @@ T CStringT<T>::GetAt(int iChar) const
 }
 
 template <typename T>
-void CStringT<T>::SetAt(int iChar, XCHAR ch)
-{
-    if (iChar < 0 || iChar >= m_nLength)
-        AfxThrowInvalidArgException();
-    m_pszData[iChar] = ch;
-}
-
-template <typename T>
-void CStringT<T>::Append(PCXSTR pszSrc)
-{
-    Append(pszSrc, TextLength(pszSrc));
-}
-
-template <typename T>
-void CStringT<T>::Append(PCXSTR pszSrc, int nLength)
-{
-    Splice(m_nLength, 0, pszSrc, nLength);
-}
-
-template <typename T>
 void CStringT<T>::Format(PCXSTR pszFormat, ...)
 {
     va_list args;
     va_start(args, pszFormat);
-    FormatV(pszFormat, args);
+    const int nLength = FormattedLength(pszFormat, args);
     va_end(args);
-}
-
-template <typename T>
-void CStringT<T>::FormatV(PCXSTR pszFormat, va_list args)
-{
-    va_list measured;
-    va_copy(measured, args);
-    const int nLength = FormattedLength(pszFormat, measured);
-    va_end(measured);
     if (nLength < 0)
         AfxThrowInvalidArgException();
 
     CStringT strResult;
+    va_start(args, pszFormat);
     WriteFormatted(strResult.GetBufferSetLength(nLength), nLength, pszFormat, args);
+    va_end(args);
     Swap(strResult);
 }
 

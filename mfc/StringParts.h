@@ -4,41 +4,12 @@
 
 #include "mfc/StringRuntime.h"
 
-namespace
-{
-// What a trim takes away: white space, one character or a set.
+// What a trim takes away: the characters of a set or, without one, white space.
 template <typename T>
-struct TrimTest
+static bool IsTrimmed(T ch, const T* pszTargets)
 {
-    T chTarget;
-    const T* pszTargets;
-
-    bool operator()(T ch) const
-    {
-        if (pszTargets)
-            return ch != 0 && FindChar(pszTargets, ch) != nullptr;
-        return chTarget ? ch == chTarget : IsSpace(ch);
-    }
-};
-
-template <typename T>
-int CountLeft(const CStringT<T>& str, const TrimTest<T>& test)
-{
-    int n = 0;
-    while (n < str.GetLength() && test(str.GetString()[n]))
-        ++n;
-    return n;
+    return pszTargets ? ch != 0 && FindChar(pszTargets, ch) != nullptr : IsSpace(ch);
 }
-
-template <typename T>
-int CountRight(const CStringT<T>& str, const TrimTest<T>& test)
-{
-    int n = 0;
-    while (n < str.GetLength() && test(str.GetString()[str.GetLength() - 1 - n]))
-        ++n;
-    return n;
-}
-} // namespace
 
 template <typename T>
 int CStringT<T>::Find(XCHAR ch, int iStart) const
@@ -126,12 +97,6 @@ CStringT<T>& CStringT<T>::Trim()
 }
 
 template <typename T>
-CStringT<T>& CStringT<T>::Trim(XCHAR chTarget)
-{
-    return TrimRight(chTarget).TrimLeft(chTarget);
-}
-
-template <typename T>
 CStringT<T>& CStringT<T>::Trim(PCXSTR pszTargets)
 {
     return TrimRight(pszTargets).TrimLeft(pszTargets);
@@ -140,45 +105,32 @@ CStringT<T>& CStringT<T>::Trim(PCXSTR pszTargets)
 template <typename T>
 CStringT<T>& CStringT<T>::TrimLeft()
 {
-    Delete(0, CountLeft(*this, TrimTest<T>{ 0, nullptr }));
-    return *this;
-}
-
-template <typename T>
-CStringT<T>& CStringT<T>::TrimLeft(XCHAR chTarget)
-{
-    Delete(0, CountLeft(*this, TrimTest<T>{ chTarget, nullptr }));
-    return *this;
+    return TrimLeft(nullptr);
 }
 
 template <typename T>
 CStringT<T>& CStringT<T>::TrimLeft(PCXSTR pszTargets)
 {
-    Delete(0, CountLeft(*this, TrimTest<T>{ 0, pszTargets }));
+    int nCount = 0;
+    while (nCount < m_nLength && IsTrimmed(m_pszData[nCount], pszTargets))
+        ++nCount;
+    Delete(0, nCount);
     return *this;
 }
 
 template <typename T>
 CStringT<T>& CStringT<T>::TrimRight()
 {
-    const int nCount = CountRight(*this, TrimTest<T>{ 0, nullptr });
-    Delete(m_nLength - nCount, nCount);
-    return *this;
-}
-
-template <typename T>
-CStringT<T>& CStringT<T>::TrimRight(XCHAR chTarget)
-{
-    const int nCount = CountRight(*this, TrimTest<T>{ chTarget, nullptr });
-    Delete(m_nLength - nCount, nCount);
-    return *this;
+    return TrimRight(nullptr);
 }
 
 template <typename T>
 CStringT<T>& CStringT<T>::TrimRight(PCXSTR pszTargets)
 {
-    const int nCount = CountRight(*this, TrimTest<T>{ 0, pszTargets });
-    Delete(m_nLength - nCount, nCount);
+    int nLength = m_nLength;
+    while (nLength > 0 && IsTrimmed(m_pszData[nLength - 1], pszTargets))
+        --nLength;
+    Delete(nLength, m_nLength - nLength);
     return *this;
 }
 

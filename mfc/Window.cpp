@@ -67,14 +67,10 @@ CWnd* PASCAL CWnd::FromHandle(HWND hWnd)
     return pWnd;
 }
 
-CWnd* PASCAL CWnd::GetSafeOwner(CWnd* pParent)
+CWnd* PASCAL CWnd::GetSafeOwner()
 {
-    const CWnd* pWnd = pParent ? pParent : AfxGetMainWnd();
-    HWND hWnd = pWnd ? pWnd->m_hWnd : nullptr;
-    if (!hWnd)
-        return nullptr;
-    hWnd = GetAncestor(hWnd, GA_ROOT);
-    return FromHandle(pParent ? hWnd : GetLastActivePopup(hWnd));
+    const CWnd* pWnd = AfxGetMainWnd();
+    return pWnd && pWnd->m_hWnd ? FromHandle(GetLastActivePopup(GetAncestor(pWnd->m_hWnd, GA_ROOT))) : nullptr;
 }
 
 BOOL CWnd::Attach(HWND hWndNew)
@@ -105,7 +101,6 @@ BOOL CWnd::SubclassWindow(HWND hWnd)
 {
     if (!Attach(hWnd))
         return FALSE;
-    PreSubclassWindow();
     m_pfnSuper = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Dispatch)));
     return TRUE;
 }
@@ -168,9 +163,4 @@ void CWnd::OnNcDestroy()
     const WNDPROC pfnSuper = m_pfnSuper;
     const HWND hWnd = UnsubclassWindow();
     CallWindowProcW(pfnSuper, hWnd, WM_NCDESTROY, 0, 0);
-    PostNcDestroy();
 }
-
-void CWnd::PreSubclassWindow() {}
-
-void CWnd::PostNcDestroy() {}

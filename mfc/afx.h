@@ -21,9 +21,6 @@ struct CRuntimeClass
     LPCSTR m_lpszClassName;
     int m_nObjectSize;
     CRuntimeClass* m_pBaseClass;
-
-    // True for the class itself, too.
-    BOOL IsDerivedFrom(const CRuntimeClass* pBaseClass) const;
 };
 
 #define RUNTIME_CLASS(class_name) (const_cast<CRuntimeClass*>(&class_name::class##class_name))
@@ -52,49 +49,32 @@ public:
     virtual ~CObject() {}
 
     virtual CRuntimeClass* GetRuntimeClass() const;
-    BOOL IsKindOf(const CRuntimeClass* pClass) const;
 
 protected:
     CObject() {}
 };
 
-// Exceptions are thrown and caught by pointer; whoever catches one for good calls Delete.
+// Exceptions are thrown and caught by pointer. All are permanent objects: whoever catches one has nothing to delete.
 class CException : public CObject
 {
     DECLARE_DYNAMIC(CException)
-
-public:
-    explicit CException(BOOL bAutoDelete);
-    void Delete();
-
-private:
-    BOOL m_bAutoDelete;
 };
 
 class CSimpleException : public CException
 {
     DECLARE_DYNAMIC(CSimpleException)
-
-public:
-    explicit CSimpleException(BOOL bAutoDelete);
 };
 
 // An argument or index out of range.
 class CInvalidArgException : public CSimpleException
 {
     DECLARE_DYNAMIC(CInvalidArgException)
-
-public:
-    CInvalidArgException();
 };
 
 // A system resource that couldn't be had.
 class CResourceException : public CSimpleException
 {
     DECLARE_DYNAMIC(CResourceException)
-
-public:
-    CResourceException();
 };
 
 [[noreturn]] void AFXAPI AfxThrowInvalidArgException();

@@ -1,7 +1,5 @@
-// Ids that the framework reserves, as far as the program meets them. Read by the resource compiler, too.
+// Ids that the framework reserves, as far as the program meets them.
 #pragma once
-
-#define IDC_STATIC (-1)
 
 #define AFX_IDS_APP_TITLE 0xE000
 

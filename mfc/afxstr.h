@@ -1,5 +1,5 @@
 // The framework's strings. Each owns its text on the heap; a copy is a copy. The length is stored apart from the
-// terminator, so that a text can hold zeros. Narrow and wide aren't converted into each other.
+// terminator, so that a text can hold zeros. Narrow and wide aren't converted into each other, but for LoadString.
 #pragma once
 
 #include <stdarg.h>
@@ -37,11 +37,6 @@ public:
     // An index up to the length is allowed and gives the terminator; any other ends in AfxThrowInvalidArgException.
     XCHAR operator[](int iChar) const { return GetAt(iChar); }
     XCHAR GetAt(int iChar) const;
-    // An index from the length on ends in AfxThrowInvalidArgException.
-    void SetAt(int iChar, XCHAR ch);
-
-    void Append(PCXSTR pszSrc);
-    void Append(PCXSTR pszSrc, int nLength);
 
     // Each gives the index found, or -1. Texts with zeros are searched up to the first zero.
     int Find(XCHAR ch, int iStart = 0) const;
@@ -58,13 +53,10 @@ public:
     CStringT& MakeLower();
     CStringT& MakeUpper();
     CStringT& Trim();
-    CStringT& Trim(XCHAR chTarget);
     CStringT& Trim(PCXSTR pszTargets);
     CStringT& TrimLeft();
-    CStringT& TrimLeft(XCHAR chTarget);
     CStringT& TrimLeft(PCXSTR pszTargets);
     CStringT& TrimRight();
-    CStringT& TrimRight(XCHAR chTarget);
     CStringT& TrimRight(PCXSTR pszTargets);
 
     // Gives the new length. An index behind the end deletes nothing.
@@ -78,7 +70,6 @@ public:
 
     // %s means text of the string's own character type. The string's own text is allowed among the arguments.
     void Format(PCXSTR pszFormat, ...);
-    void FormatV(PCXSTR pszFormat, va_list args);
 
     // A buffer with room for at least the length asked for, in characters, and a terminator. The string's length
     // holds from ReleaseBuffer on, which without a length looks for the terminator.
@@ -94,20 +85,19 @@ public:
     friend CStringT operator+(const CStringT& str1, PCXSTR psz2) { return Join(str1, psz2); }
     friend CStringT operator+(PCXSTR psz1, const CStringT& str2) { return Join(psz1, str2); }
     friend CStringT operator+(const CStringT& str1, XCHAR ch2) { return Join(str1, CStringT(ch2)); }
-    friend CStringT operator+(XCHAR ch1, const CStringT& str2) { return Join(CStringT(ch1), str2); }
 
     friend bool operator==(const CStringT& str1, const CStringT& str2) { return str1.Compare(str2) == 0; }
     friend bool operator==(const CStringT& str1, PCXSTR psz2) { return str1.Compare(psz2) == 0; }
-    friend bool operator==(PCXSTR psz1, const CStringT& str2) { return str2.Compare(psz1) == 0; }
     friend bool operator!=(const CStringT& str1, const CStringT& str2) { return str1.Compare(str2) != 0; }
     friend bool operator!=(const CStringT& str1, PCXSTR psz2) { return str1.Compare(psz2) != 0; }
-    friend bool operator!=(PCXSTR psz1, const CStringT& str2) { return str2.Compare(psz1) != 0; }
     friend bool operator<(const CStringT& str1, const CStringT& str2) { return str1.Compare(str2) < 0; }
-    friend bool operator<(const CStringT& str1, PCXSTR psz2) { return str1.Compare(psz2) < 0; }
-    friend bool operator<(PCXSTR psz1, const CStringT& str2) { return str2.Compare(psz1) > 0; }
-    friend bool operator>(const CStringT& str1, const CStringT& str2) { return str1.Compare(str2) > 0; }
-    friend bool operator>(const CStringT& str1, PCXSTR psz2) { return str1.Compare(psz2) > 0; }
-    friend bool operator>(PCXSTR psz1, const CStringT& str2) { return str2.Compare(psz1) < 0; }
+
+    // What nobody needs, but would compile without these: as an addition to a text's address, and as comparisons of
+    // two.
+    friend CStringT operator+(XCHAR ch1, const CStringT& str2) = delete;
+    friend bool operator>(const CStringT& str1, const CStringT& str2) = delete;
+    friend bool operator<=(const CStringT& str1, const CStringT& str2) = delete;
+    friend bool operator>=(const CStringT& str1, const CStringT& str2) = delete;
 
 private:
     static CStringT Join(CStringT strFirst, const CStringT& strSecond);

@@ -11,8 +11,6 @@ class CDataExchange;
 class CWinApp;
 class CWnd;
 
-#define afx_msg
-
 typedef void (CCmdTarget::*AFX_PMSG)();
 
 enum AfxSig
@@ -121,17 +119,12 @@ public:
     virtual ~CWinApp();
 
     virtual BOOL InitInstance();
-    virtual int ExitInstance();
     // Without a main window the quit message is posted first, so that Run ends at once.
     virtual int Run();
-    virtual int DoMessageBox(LPCTSTR lpszPrompt, UINT nType, UINT nIDPrompt);
 
     // Opens the help file that carries the executable's name, if there is one.
-    afx_msg void OnHelp();
+    void OnHelp();
 
-    HINSTANCE m_hInstance;
-    LPTSTR m_lpCmdLine;
-    int m_nCmdShow;
     // Caption of message boxes. Null until the start, which takes the text of AFX_IDS_APP_TITLE or m_pszExeName.
     LPCTSTR m_pszAppName;
     // Name of the executable without folder and extension.
@@ -166,13 +159,11 @@ public:
     virtual ~CWnd();
 
     HWND GetSafeHwnd() const { return m_hWnd; }
-    operator HWND() const { return m_hWnd; }
     // Null only for a null handle.
     static CWnd* PASCAL FromHandle(HWND hWnd);
     static CWnd* PASCAL FromHandlePermanent(HWND hWnd);
-    // The window that a box or dialog belongs to: the top-level window of pParent or, without one, the last popup of
-    // the main window. Null without either.
-    static CWnd* PASCAL GetSafeOwner(CWnd* pParent = NULL);
+    // The window that a box or dialog belongs to: the last popup of the main window; null without a main window.
+    static CWnd* PASCAL GetSafeOwner();
 
     BOOL Attach(HWND hWndNew);
     HWND Detach();
@@ -208,14 +199,11 @@ public:
 
 protected:
     virtual void DoDataExchange(CDataExchange* pDX);
-    virtual void PreSubclassWindow();
     virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     virtual LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     // TRUE if the command was handled.
     virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
-    afx_msg void OnNcDestroy();
-    // Called last of all for a window; an object made with new may delete itself here.
-    virtual void PostNcDestroy();
+    void OnNcDestroy();
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -252,13 +240,11 @@ class CDialog : public CWnd
 
 public:
     CDialog();
-    explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = NULL);
-    explicit CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd = NULL);
+    explicit CDialog(UINT nIDTemplate);
     virtual ~CDialog();
 
-    // True if the window came to be.
+    // True if the window came to be. Without a parent it belongs to the main window.
     BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = NULL);
-    BOOL Create(LPCTSTR lpszTemplateName, CWnd* pParentWnd = NULL);
     // Gives what EndDialog was given; -1 if the dialog can't be shown.
     virtual INT_PTR DoModal();
     void EndDialog(int nResult);
@@ -278,8 +264,7 @@ protected:
 private:
     static INT_PTR CALLBACK Initialize(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 
-    LPCTSTR m_lpszTemplateName;
-    CWnd* m_pParentWnd;
+    UINT m_nIDTemplate;
 };
 
 // One run of UpdateData, for DoDataExchange and the functions below.
@@ -302,9 +287,9 @@ void AFXAPI DDX_Text(CDataExchange* pDX, int nIDC, CString& value);
 
 // Shows a box over the main or active window, with the application's name as caption. A style of OK, OK and Cancel, or
 // Yes and No that names no icon gets the exclamation mark. Gives the button's id, 0 on failure.
-int AFXAPI AfxMessageBox(LPCTSTR lpszText, UINT nType = MB_OK, UINT nIDHelp = 0);
+int AFXAPI AfxMessageBox(LPCTSTR lpszText, UINT nType = MB_OK);
 // The same with a text of the string table.
-int AFXAPI AfxMessageBox(UINT nIDPrompt, UINT nType = MB_OK, UINT nIDHelp = static_cast<UINT>(-1));
+int AFXAPI AfxMessageBox(UINT nIDPrompt, UINT nType = MB_OK);
 
 // Fills in the application object's handles and names. Called by AfxWinMain, or by a program with a main of its own.
 BOOL AFXAPI AfxWinInit(HINSTANCE hInstance, HINSTANCE hPrevInstance, LPTSTR lpCmdLine, int nCmdShow);

@@ -11,9 +11,8 @@
 #include "foundation/SystemFacts.h"
 
 static const wchar_t kUserChoice[] = L"UserChoice";
-static const wchar_t kSavedValue[] = L"LumacapOld"; // the product keeps the association from before itself here
 
-// By the index of g_aAssocExts: the association to put back, before Windows Vista; empty for none.
+// Before Windows Vista: what to put back, by the index of g_aAssocExts; empty for nothing.
 static wchar_t g_aSavedAssoc[kAssocExtCount][kRegistryTextCapacity];
 
 namespace
@@ -65,7 +64,7 @@ static void Survey(const AssociationBase& base, int nIndex)
     const CString strAssociation = QueryRegText(extension, base.pszValueName);
     g_aAssocExts[nIndex].nFlag = PointsAtProduct(strAssociation);
     CopyBounded(g_aSavedAssoc[nIndex],
-                PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedValue) : strAssociation);
+                PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedAssociation) : strAssociation);
 }
 
 // True if the association was the product's: that counts as a change, even if the platform refused it.
@@ -74,7 +73,7 @@ static bool RemoveUserChoice(HKEY hExtension, int nIndex)
     const bool bOurs = g_aAssocExts[nIndex].nFlag != 0;
     if (bOurs)
         RegDeleteKeyW(hExtension, kUserChoice);
-    RegDeleteValueW(hExtension, kSavedValue);
+    RegDeleteValueW(hExtension, kSavedAssociation);
     return bOurs;
 }
 
@@ -89,7 +88,7 @@ static bool RestoreAssociation(HKEY hExtension, const wchar_t* pszValueName, con
         RegSetValueExW(hExtension, pszValueName, 0, REG_SZ,
                        reinterpret_cast<const BYTE*>(static_cast<const wchar_t*>(strSaved)),
                        static_cast<DWORD>((strSaved.GetLength() + 1) * sizeof(wchar_t)));
-    RegDeleteValueW(hExtension, kSavedValue);
+    RegDeleteValueW(hExtension, kSavedAssociation);
     return true;
 }
 

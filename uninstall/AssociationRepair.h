@@ -2,7 +2,7 @@
 #pragma once
 
 // Looks at all formats first. From Windows Vista on, the user's choice is then removed where it is the product, and
-// what the product saved beside the formats is removed everywhere. On earlier systems both is done only where the
-// association is the product's, and what stood there before it is put back. The shell is told if an association
-// changed.
+// what the product saved beside the formats is removed everywhere. On earlier systems an association that is the
+// product's gives way to what stood there before it, and what the product saved goes with it. An association that isn't
+// the product's keeps both. The shell is told if an association changed.
 void RepairFileAssociations();

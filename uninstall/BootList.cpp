@@ -6,7 +6,7 @@
 static const wchar_t kProfileName[] = L"WININIT.INI"; // in the Windows folder
 static const wchar_t kProfileSection[] = L"rename";
 static const wchar_t kDeletionKey[] = L"NUL=";
-const DWORD kSectionCapacity = 16384; // characters, the terminators included
+static constexpr DWORD kSectionCapacity = 16384; // characters, the terminators included
 
 // Adds a deletion behind the entries of the profile section. Returns what WritePrivateProfileSectionW gave. A section
 // that would be too long ends the process.
@@ -19,7 +19,7 @@ static BOOL AddProfileDeletion(const wchar_t* pszPath)
     const size_t cchKey = wcslen(kDeletionKey);
     const size_t cchPath = wcslen(pszPath);
     const size_t nEnd = cch + cchKey + cchPath + 1;
-    if (nEnd >= kSectionCapacity)
+    if (nEnd >= _countof(szSection))
         StopProcess();
     wmemcpy(szSection + cch, kDeletionKey, cchKey);
     wmemcpy(szSection + cch + cchKey, pszPath, cchPath + 1);

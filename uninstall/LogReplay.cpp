@@ -4,21 +4,20 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 #include "uninstall/BootList.h"
 
-static const wchar_t* const kRemovedPrefixes[] = {
-    kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
-};
-
-// Of the records that a removal goes by, or of those of one prefix alone.
-static void RemoveFilesOfLine(const wchar_t* pszLine, const wchar_t* pszFolder, const wchar_t* pszOnlyPrefix)
+// Deletes what a file record names; with a prefix, only of records of that prefix.
+static void RemoveFilesOfLine(const wchar_t* pszLine, const wchar_t* pszFolder, const wchar_t* pszPrefix)
 {
-    for (const wchar_t* pszPrefix : kRemovedPrefixes)
+    const wchar_t* const* ppszPrefixes = pszPrefix != nullptr ? &pszPrefix : kRemovedPrefixes;
+    const size_t nPrefixes = pszPrefix != nullptr ? 1 : _countof(kRemovedPrefixes);
+    for (size_t i = 0; i < nPrefixes; ++i)
     {
-        if (!StartsWith(pszLine, pszPrefix))
+        if (!StartsWith(pszLine, ppszPrefixes[i]))
             continue;
-        if (pszOnlyPrefix == nullptr || wcscmp(pszPrefix, pszOnlyPrefix) == 0)
-            DeleteMatchingFiles(pszFolder, GetNameToRemove(pszLine, pszPrefix));
+        DeleteMatchingFiles(pszFolder, GetNameToRemove(pszLine, ppszPrefixes[i]));
         return;
     }
 }

@@ -2,6 +2,8 @@
 
 #include "app/Product.h"
 #include "foundation/BoundedText.h"
+#include "foundation/Owners.h"
+#include "foundation/RegistryValues.h"
 #include "foundation/SystemFacts.h"
 #include "uninstall/RegistryTree.h"
 #include "uninstall/UserHives.h"
@@ -30,7 +32,7 @@ struct Removal
 static void Remove(const Removal& removal)
 {
     CKeyOwner key;
-    const auto isKeyOpen = [&]
+    const auto openKey = [&]
     {
         return RegOpenKeyExW(removal.hRoot, removal.pszKey, 0, KEY_ALL_ACCESS | removal.samView, key.Receive()) ==
                ERROR_SUCCESS;
@@ -44,15 +46,15 @@ static void Remove(const Removal& removal)
         DeleteRegKeyIfChildless(removal.hRoot, removal.pszKey);
         break;
     case REMOVE_CHILD_KEY:
-        if (isKeyOpen())
+        if (openKey())
             RegDeleteKeyW(key, removal.pszName);
         break;
     case REMOVE_CHILD_TREE:
-        if (isKeyOpen())
+        if (openKey())
             DeleteRegTree(key, removal.pszName);
         break;
     case REMOVE_VALUE:
-        if (isKeyOpen())
+        if (openKey())
             RegDeleteValueW(key, removal.pszName);
         break;
     }

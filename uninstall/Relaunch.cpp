@@ -6,7 +6,6 @@
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/DiskFiles.h"
 #include "foundation/ProcessLaunch.h"
 #include "foundation/StringTable.h"
 #include "foundation/SystemFacts.h"
@@ -14,7 +13,7 @@
 #include "uninstall/BootList.h"
 #include "uninstall/UninstallDriver.h"
 
-const DWORD kFirstStageExitMs = 1000; // the only hand-shake between the two stages
+static constexpr DWORD kFirstStageExitMs = 1000; // the only hand-shake between the two stages
 
 // The file is made, and stands empty.
 static CString MakeTempFile()

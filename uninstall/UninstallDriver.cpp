@@ -6,7 +6,9 @@
 
 #include "app/Product.h"
 #include "foundation/DiskFiles.h"
+#include "foundation/Owners.h"
 #include "foundation/ProcessLaunch.h"
+#include "foundation/RegistryValues.h"
 #include "foundation/SystemFacts.h"
 #include "uninstall/AssociationRepair.h"
 #include "uninstall/BootList.h"
@@ -36,14 +38,15 @@ static void RemoveNestingFolder(const CString& strFolder)
     if (wcschr(kProductName, L'\\') == nullptr)
         return;
     CString strParent(strFolder);
-    strParent.TrimRight(L'\\');
+    strParent.TrimRight(L"\\");
     strParent = strParent.Left(strParent.ReverseFind(L'\\'));
     if (!RemoveDirectoryW(strParent))
         DeleteAtReboot(strParent);
 }
 
-// The three folders are judged differently, and that stays: one goes on the boot list even if it was never there, the
-// next only if it stands, and the product's own only while that second one still stands.
+// The three folders are judged differently, which is not to be tidied away: one goes on the boot list even if it was
+// never there, the next only if it stands, and the product's own only while that second one still stands. The folder
+// ends in a backslash already: two in a row are harmless.
 static void RemoveFolders(const CString& strFolder)
 {
     const CString strX64 = strFolder + L"\\x64";
@@ -62,7 +65,7 @@ static void RemoveFolders(const CString& strFolder)
 
 static void DeleteLink(const CString& strFolder)
 {
-    DeleteFileW(strFolder + L"\\" + kProductName + kLinkExtension);
+    DeleteFileW(strFolder + kProductLinkPath);
 }
 
 // Takes whatever lies in the group of the default name, also what a user put there. A group of another name is reached
@@ -72,11 +75,6 @@ static void DeleteGroup(const CString& strPrograms)
     const CString strGroup = strPrograms + L"\\" + kProductName + L"\\";
     DeleteMatchingFiles(strGroup, L"*.*");
     RemoveDirectoryW(strGroup);
-}
-
-static bool IsFolderPath(const CString& strFolder)
-{
-    return strFolder.GetLength() > kTooShortFolder;
 }
 
 static void SweepMachineFolders()

@@ -1,4 +1,4 @@
-// The registry hives of the users that are logged on.
+// The user hives that are loaded, those of the system's own accounts among them.
 #pragma once
 
 #include <afx.h>

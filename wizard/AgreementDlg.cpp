@@ -8,7 +8,7 @@
 BEGIN_MESSAGE_MAP(CAgreementDlg, CDialog)
 END_MESSAGE_MAP()
 
-const int kPageMargin = 4; // pixels from the frame's corner
+static constexpr int kPageMargin = 4; // pixels from the frame's corner
 
 LRESULT CReadingBox::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {

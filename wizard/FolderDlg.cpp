@@ -5,8 +5,8 @@
 #include "app/Product.h"
 #include "app/RunState.h"
 #include "foundation/DiskFiles.h"
-#include "foundation/FolderPaths.h"
 #include "foundation/StringTable.h"
+#include "foundation/TextEnds.h"
 #include "res/resource.h"
 #include "uninstall/LogReplay.h"
 
@@ -117,7 +117,7 @@ void CFolderDlg::OnBrowse()
 
 static bool HoldsOlderVersion(const CString& strFolder)
 {
-    return PathExists(strFolder + L"\\Lumacap5.exe") || PathExists(strFolder + L"\\Lumacap6.exe");
+    return PathExists(strFolder + kVersion5ExePath) || PathExists(strFolder + kVersion6ExePath);
 }
 
 // An empty folder and one that holds the product are taken as they stand; a portable install gets its own folder
@@ -140,7 +140,7 @@ void CFolderDlg::TakeFolder(CString strFolder)
     }
     if (WantsProductFolder(strFolder, m_nKind))
     {
-        if (!EndsWith(strFolder, L'\\'))
+        if (!EndsWith(strFolder, L"\\"))
             strFolder += L'\\';
         strFolder += kProductName;
     }

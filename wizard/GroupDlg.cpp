@@ -6,7 +6,7 @@
 #include "foundation/SystemFacts.h"
 #include "res/resource.h"
 
-const int kShortestGroupName = 3; // characters
+static constexpr int kShortestGroupName = 3; // characters
 
 BEGIN_MESSAGE_MAP(CGroupDlg, CDialog)
 END_MESSAGE_MAP()

@@ -1,18 +1,18 @@
 #include "wizard/SetupDlg.h"
 
 #include "app/RunState.h"
-#include "foundation/FolderPaths.h"
 #include "foundation/StringTable.h"
 #include "install/InstallDriver.h"
 #include "res/resource.h"
 #include "wizard/AgreementDlg.h"
 #include "wizard/FolderDlg.h"
 #include "wizard/GroupDlg.h"
+#include "wizard/InstallReport.h"
 #include "wizard/IntoDlg.h"
 #include "wizard/StartDlg.h"
 #include "wizard/WelcomePage.h"
 
-const int kPageGap = 4; // pixels between the side picture and the page
+static constexpr int kPageGap = 4; // pixels between the side picture and the page
 
 template <typename PageDlg>
 static CDialog* NewPage()
@@ -184,44 +184,10 @@ void CSetupDlg::RunInstallPage()
     ShowReport();
 }
 
-// The report names the version behind the fixed digit 8.
-static CString GetInstalledText()
-{
-    CString strVersion;
-    strVersion.Format(L"Lumacap 8.%02d.%02d", g_nVerMinor, g_nVerFix);
-    CString strText = LoadResString(IDS_INSTALLED);
-    strText.Replace(L"Lumacap 8", strVersion);
-    return strText;
-}
-
 void CSetupDlg::ShowReport()
 {
-    const bool bReboot = g_bRebootNeeded != 0;
-    CWnd* pBox = m_pPage->GetDlgItem(IDC_START_RUN);
-    if (bReboot)
-    {
-        pBox->SetWindowText(LoadResString(IDS_RESTART_BOX));
-        pBox->SendMessage(BM_SETCHECK, BST_CHECKED, 0);
-    }
     m_next.SetWindowText(LoadResString(IDS_FINISH_BUTTON));
-
-    CWnd* pProgress = m_pPage->GetDlgItem(IDC_START_PROGRESS);
-    if (g_nInstallKind != KIND_PORTABLE)
-    {
-        pProgress->ShowWindow(SW_HIDE);
-        pBox->ShowWindow(SW_SHOW);
-    }
-    else
-    {
-        pProgress->SetWindowText(FormatResString(IDS_RUN_PORTABLE, CutLastPart(g_strInstDir)));
-    }
-
-    CWnd* pHeadline = m_pPage->GetDlgItem(IDC_START_HEADLINE);
-    CWnd* pText = m_pPage->GetDlgItem(IDC_START_TEXT);
-    pHeadline->SetWindowText(GetInstalledText());
-    pText->SetWindowText(LoadResString(bReboot ? IDS_RESTART_NEEDED : IDS_PRESS_FINISH));
-    pHeadline->ShowWindow(SW_SHOW);
-    pText->ShowWindow(SW_SHOW);
+    FillReport(*m_pPage);
     m_next.SetFocus();
 }
 
@@ -232,8 +198,8 @@ void CSetupDlg::EndWizard()
     CDialog::OnOK();
 }
 
-// A veto of the page leaves the lowered number standing, and the next step forward goes on from there: it leads one
-// page further back. That looks like a slip and stays, since the wizard has always moved so.
+// After a veto the lowered number stays. The next step forward then leads to the page before this one, not to the one
+// behind it. Not to be tidied away.
 void CSetupDlg::OnBack()
 {
     m_nPage -= 2;
@@ -244,7 +210,7 @@ void CSetupDlg::OnBack()
 
 void CSetupDlg::OnCancel()
 {
-    // Windows sends nothing from a disabled button, but Esc and the system menu come through on some systems.
+    // Windows sends nothing for a disabled button; under Wine, Esc and the system menu come through.
     if (!m_cancel.IsWindowEnabled())
         return;
     if (AfxMessageBox(IDS_CONFIRM_CANCEL, MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES)

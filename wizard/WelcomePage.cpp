@@ -5,8 +5,8 @@
 
 #include "app/Product.h"
 #include "app/RunState.h"
-#include "foundation/FolderPaths.h"
 #include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 
 // The last two characters of the update address are a language code, unless one of them is a digit.
 static void AddLanguage(const wchar_t* pszLine, CString& strQuery)
@@ -35,7 +35,7 @@ static void ReadQueryLine(const CString& strLine, CString& strQuery)
 static CString ReadQuery()
 {
     CString strQuery;
-    const CStreamOwner file(_wfopen(g_strInstDir + L"\\HomePage.url", L"r"));
+    const CStreamOwner file(_wfopen(g_strInstDir + kHomePageFilePath, L"r"));
     if (!file.IsOpen())
         return strQuery;
 

@@ -37,7 +37,7 @@ TEST_F(PlantedLibrary, IsTakenByACarelessProgramButByNoSetup)
     for (const std::wstring& strName : Split(kNames, L' '))
     {
         // Without this the platform's own libraries come before those beside a program, whatever the program does.
-        SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine\\DllOverrides", strName, L"native,builtin");
+        SetKeyText(kUser, L"Software\\Wine\\DllOverrides", strName, L"native,builtin");
         CopyOneFile(BuildFolder() + L"\\tests\\planted.dll", At(L"package\\" + strName + L".dll"));
         strAll += strName + L".called " + strName + L".loaded ";
     }

@@ -43,7 +43,7 @@ protected:
         for (const std::wstring& strPath : ListTree(m_strFolder))
             if (strPath.find(L".lnk") != std::wstring::npos)
                 lines.push_back(strPath);
-        lines.push_back(KeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8", L"AllUsers"));
+        lines.push_back(KeyText(kMachine, kProduct, L"AllUsers"));
         std::sort(lines.begin(), lines.end());
         return Replaced(Join(lines), At(L"Program Files\\Lumacap 8"), L"~");
     }
@@ -124,7 +124,7 @@ TEST_F(WizardUser, UntickedRestartAndCancelStartNothing)
         L"|\"~\\Lumacap8.exe\" -regonly\t~\r|B|all\\Desktop\\Lumacap 8.lnk|all\\Programs\\Lumacap 8\\Lumacap 8 "
         L"Help.lnk|all\\Programs\\Lumacap 8\\Lumacap 8.lnk";
     WriteBytes(At(L"Program Files\\Lumacap 8\\capff.json"), "");
-    const auto hold = HoldFile(At(L"Program Files\\Lumacap 8\\capff.json"), FILE_SHARE_READ);
+    const auto hold = HoldFile(At(L"Program Files\\Lumacap 8\\capff.json"));
     Start(L"-sconf -runafter");
     Meet();
     EXPECT_EQ(m_wizard->Text(1012), L"Restart the computer when I click \"Finish\"");

@@ -12,8 +12,6 @@
 namespace
 {
 
-using IDS = std::vector<DWORD>;
-
 const DWORD kSelf = GetCurrentProcessId();
 
 // What a run does from its hand-over on, with its result or exit code at the end

@@ -78,11 +78,11 @@ const std::wstring kFiles = L"my|package\\ind.dll|target\\my|target\\Sub\\my|all
 
 const std::pair<HKEY, const wchar_t*> kKeys[] = {
     { HKEY_CLASSES_ROOT, L"Applications\\Other.exe" },
-    { HKEY_CURRENT_USER, L"Software\\Tandrel\\Other 8" },
-    { HKEY_CURRENT_USER, WINDOWS_KEY L"Explorer\\FileExts\\.bmp\\UserChoice" },
-    { HKEY_LOCAL_MACHINE, L"Software\\Mozilla\\NativeMessagingHosts\\other" },
-    { HKEY_LOCAL_MACHINE, L"Software\\Tandrel\\Other 8" },
-    { HKEY_LOCAL_MACHINE, WINDOWS_KEY L"App Paths\\Other.exe" },
+    { kUser, L"Software\\Tandrel\\Other 8" },
+    { kUser, WINDOWS_KEY L"Explorer\\FileExts\\.bmp\\UserChoice" },
+    { kMachine, L"Software\\Mozilla\\NativeMessagingHosts\\other" },
+    { kMachine, L"Software\\Tandrel\\Other 8" },
+    { kMachine, WINDOWS_KEY L"App Paths\\Other.exe" },
     { HKEY_USERS, OTHER_HIVE L"Software\\Tandrel\\Other 8" },
 };
 
@@ -121,7 +121,7 @@ public:
         SetUp();
         PutMachine();
         const CArguments arguments(Split(kFlows.at(m_words[0])[0], L'|'));
-        const auto hold = HoldFile(At(L"target\\busy"), FILE_SHARE_READ);
+        const auto hold = HoldFile(At(L"target\\busy"));
         const CTestWindow window;
         g_InstanceManager.~COXInstanceManager();
         const CProductList list({ GetCurrentProcessId() });
@@ -173,7 +173,7 @@ private:
         for (const auto& [hRoot, pszKey] : kKeys)
             SetKeyText(hRoot, pszKey, L"", L"mine");
         SetKeyText(HKEY_USERS, OTHER_HIVE WINDOWS_KEY L"Explorer\\Shell Folders", L"Programs", At(L"other\\Programs"));
-        SetKeyText(HKEY_LOCAL_MACHINE, L"Software\\Tandrel\\Lumacap 8", L"Path", At(L"target"));
+        SetKeyText(kMachine, kProduct, L"Path", At(L"target"));
         MakeKey(HKEY_CLASSES_ROOT, L"Lumacap.8\\shell");
     }
 

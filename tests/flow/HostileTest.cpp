@@ -210,7 +210,7 @@ protected:
 
 TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
 {
-    MoveFolder(HKEY_LOCAL_MACHINE, L"Common Programs", At(L"c"));
+    MoveFolder(kMachine, L"Common Programs", At(L"c"));
     PutFiles();
     // What is allocated, or noted down by the system, once and for all.
     Walk("Shell Link: a", KIND_ALL_USERS);
@@ -243,7 +243,7 @@ TEST_F(Hostile, ListsLeaveTheMachineItsFilesAndTheProcessItsMemory)
 TEST_F(Hostile, CommandLinesAreReadToTheirEnd)
 {
     CopyOneFile(ProductOfVersion(L"8.21.0.0"), At(L"c\\Lumacap8.exe"));
-    SetKeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8", L"Path", At(L"c"));
+    SetKeyText(kMachine, kProduct, L"Path", At(L"c"));
     const CCalls calls({ { "ShellExecuteW", [](CALL&) { return 0; } },
                          { "MessageBoxW", [](CALL&) { return IDNO; } },
                          { "DialogBoxIndirectParamW", [](CALL&) { return -1; } } });

@@ -11,10 +11,6 @@
 namespace
 {
 
-const HKEY kMachine = HKEY_LOCAL_MACHINE;
-const wchar_t kProduct[] = L"SOFTWARE\\Tandrel\\Lumacap 8";
-const std::wstring kWindows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
-
 class Install : public World
 {
 protected:
@@ -159,7 +155,7 @@ none|8.19.9.0|00100|wizard;T\Lumacap8.exe;
         EXPECT_EQ(g_bUpgrade, m_strTold[0] != L'3');
         EXPECT_EQ(g_bSettingsCopied, row[2][4] - L'0');
     }
-    EXPECT_EQ(FoldVersion(8, 19, 9, 199), 8191099u);
+    EXPECT_EQ(FoldVersion({ 8, 19, 9, 199 }), 8191099u);
 }
 
 TEST_F(Install, SilentFirstOneGoesToAllUsersStepByStep)

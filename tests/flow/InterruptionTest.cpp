@@ -149,7 +149,7 @@ TEST_F(Interruption, OfAnInstallIsMadeUpForByTheNext)
     {
         // Once its folder is known, an install counts as a repeated one. That asks the boot for the folders of the
         // list, which hold files and so stay.
-        const bool bRepeat = KeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Tandrel\\Lumacap 8", L"Path") != L"(absent)";
+        const bool bRepeat = KeyText(kMachine, kProduct, L"Path") != L"(absent)";
         Run(m_setup);
         EXPECT_EQ(Pending(), bRepeat ? m_strRepeatPending : L"");
         ClearPending();

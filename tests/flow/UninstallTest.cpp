@@ -1,7 +1,5 @@
 // A removal's second stage, and its parts, against real files, keys, hives and associations; and the start of that
 // stage.
-#include <gtest/gtest.h>
-
 #include "app/RunState.h"
 #include "tests/support/Calls.h"
 #include "tests/support/World.h"
@@ -13,7 +11,7 @@
 namespace
 {
 
-const std::wstring kExplorer = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\";
+const std::wstring kExplorer = kWindows + L"\\Explorer\\";
 
 class Uninstall : public World
 {
@@ -50,12 +48,12 @@ TEST_F(Uninstall, SecondStageTakesItsStepsInTheirOrder)
     const std::wstring strKey = kExplorer + L"Shell Folders";
     for (const wchar_t* pszName : { L"Startup", L"Desktop", L"Programs" })
     {
-        RemoveValue(HKEY_CURRENT_USER, strKey, pszName); // users without folders
+        RemoveValue(kUser, strKey, pszName); // users without folders
         RemoveValue(HKEY_USERS, L".DEFAULT\\" + strKey, pszName);
         SetKeyText(HKEY_USERS, L"S-1-5-21-7-7-7-1001\\" + strKey, pszName, At(L"u\\") + pszName);
     }
-    MakeKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\RegisteredApplications");
-    MakeKey(HKEY_CURRENT_USER, kExplorer + L"FileExts\\.bmp");
+    MakeKey(kMachine, L"SOFTWARE\\RegisteredApplications");
+    MakeKey(kUser, kExplorer + L"FileExts\\.bmp");
     Make(L"P\\install.log", "Shell Link: 1.lnk");
     Make(L"P\\LumUnInst.log", "Shell Link: 2.lnk");
     g_nSilent = 0;
@@ -92,7 +90,7 @@ Lumacap 8 has been c)");
     g_nSilent = 1;
     g_osVersion.dwMajorVersion = 5; // a system without thumbnails
     for (const wchar_t* pszName : { L"Startup", L"Desktop", L"Programs" })
-        MoveFolder(HKEY_LOCAL_MACHINE, std::wstring(L"Common ") + pszName, L"C:\\q"); // too short to be true
+        MoveFolder(kMachine, std::wstring(L"Common ") + pszName, L"C:\\q"); // too short to be true
     MakeFolder(L"C:\\q");
     const std::wstring strActs = Finish();
     EXPECT_NE(strActs.find(L"u\\Programs\\Lumacap 8\\"), std::wstring::npos);
@@ -155,8 +153,8 @@ TEST_F(Uninstall, EachFolderIsJudgedForItself)
 // key.
 TEST_F(Uninstall, RegistryLosesTheProductInEachHive)
 {
-    const std::pair<HKEY, std::wstring> hives[] = { { HKEY_LOCAL_MACHINE, L"SOFTWARE\\" },
-                                                    { HKEY_CURRENT_USER, L"SOFTWARE\\" },
+    const std::pair<HKEY, std::wstring> hives[] = { { kMachine, L"SOFTWARE\\" },
+                                                    { kUser, L"SOFTWARE\\" },
                                                     { HKEY_USERS, L".DEFAULT\\SOFTWARE\\" },
                                                     { HKEY_USERS, L"S-1-5-21-7-7-7-1002\\SOFTWARE\\" } };
     const std::pair<const wchar_t*, std::string> rows[] = {
@@ -215,11 +213,11 @@ TEST_F(Uninstall, AssociationsAreRepairedFormatByFormat)
     m_calls.On("SHChangeNotify", [&](CALL& call) { return nTold += call.args[0], 0; });
     for (const auto& [nMajor, strBefore, strAfter] : rows)
     {
-        RemoveKey(HKEY_CURRENT_USER, strKey);
+        RemoveKey(kUser, strKey);
         for (const std::wstring& strValue : Split(strBefore, L'|'))
         {
             const TEXTS parts = Split(strValue, L',');
-            SetKeyText(HKEY_CURRENT_USER, strKey + L"\\" + parts[0], parts[1], parts[2]);
+            SetKeyText(kUser, strKey + L"\\" + parts[0], parts[1], parts[2]);
         }
         SCOPED_TRACE(nMajor);
         g_osVersion.dwMajorVersion = nMajor;
@@ -227,11 +225,11 @@ TEST_F(Uninstall, AssociationsAreRepairedFormatByFormat)
         RepairFileAssociations();
         RepairFileAssociations();
         TEXTS lines;
-        FlattenKey(HKEY_CURRENT_USER, strKey, L"", lines);
+        FlattenKey(kUser, strKey, L"", lines);
         EXPECT_EQ(Join(lines), strAfter);
         EXPECT_EQ(nTold, 0x8000000u); // the shell hears of the first repair alone
     }
-    RemoveKey(HKEY_CURRENT_USER, strKey);
+    RemoveKey(kUser, strKey);
     SetKeyText(HKEY_CLASSES_ROOT, L".lcp", L"", L"Lumacap8.exe");
     RepairFileAssociations();
     EXPECT_EQ(KeyText(HKEY_CLASSES_ROOT, L".lcp"), L"(absent)");

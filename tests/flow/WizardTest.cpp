@@ -48,7 +48,7 @@ protected:
         Make(L"package\\LumUnInst.log|package\\a.txt|empty\\|x\\a.txt|own\\Lumacap8.exe|"
              L"5\\Lumacap5.exe|6\\Lumacap6.exe|7\\Lumacap7.exe|D\xE9mo\\",
              "File Copy: a.txt\r\n");
-        MoveFolder(HKEY_LOCAL_MACHINE, L"Common Startup", At(L"D\xE9mo"));
+        MoveFolder(kMachine, L"Common Startup", At(L"D\xE9mo"));
     }
 
     void Open(int nKind, bool bFresh, int nPage = -1)

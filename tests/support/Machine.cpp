@@ -323,10 +323,10 @@ TEXTS PendingEntries()
 {
     TEXTS entries;
     DWORD cb = 0;
-    if (RegGetValueW(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, nullptr, &cb) != 0)
+    if (RegGetValueW(kMachine, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, nullptr, &cb) != 0)
         return entries;
     std::wstring strList(cb / sizeof(wchar_t), L'\0');
-    RegGetValueW(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, &strList[0], &cb);
+    RegGetValueW(kMachine, kSessionKey, kPendingValue, RRF_RT_REG_MULTI_SZ, nullptr, &strList[0], &cb);
     const TEXTS texts = Split(strList, L'\0'); // sources, each with a target behind it, which may be empty
     for (size_t n = 0; n + 1 < texts.size() && !texts[n].empty(); n += 2)
         entries.push_back(texts[n + 1].empty() ? L"-" + Plain(texts[n]) : Plain(texts[n]) + L">" + Plain(texts[n + 1]));
@@ -335,12 +335,12 @@ TEXTS PendingEntries()
 
 void BlockPending()
 {
-    SetKeyText(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue, L""); // a type that MoveFileExW refuses
+    SetKeyText(kMachine, kSessionKey, kPendingValue, L""); // a type that MoveFileExW refuses
 }
 
 void ClearPending()
 {
-    RemoveValue(HKEY_LOCAL_MACHINE, kSessionKey, kPendingValue);
+    RemoveValue(kMachine, kSessionKey, kPendingValue);
     RemoveTree(kPendingProfile);
     RemoveTree(L"C:\\windows\\wininit.bak"); // what a restart makes of it
 }
@@ -392,7 +392,7 @@ TEXTS TakePicture()
                      lines.push_back(strPath + (strPath.back() == L'\\' ? L"" : FileText(strPath, data)) +
                                      (nOdd != 0 ? L" (attributes " + std::to_wstring(nOdd) + L")" : L""));
                  });
-    FlattenKey(HKEY_LOCAL_MACHINE, L"", L"HKLM", lines);
+    FlattenKey(kMachine, L"", L"HKLM", lines);
     FlattenKey(HKEY_USERS, L"", L"HKU", lines);
     std::sort(lines.begin(), lines.end());
     return lines;
@@ -419,13 +419,12 @@ TEXTS Difference(const TEXTS& earlier, const TEXTS& later)
 
 void SetWindowsVersion(const std::wstring& strVersion)
 {
-    SetKeyText(HKEY_CURRENT_USER, L"Software\\Wine", L"Version", strVersion);
+    SetKeyText(kUser, L"Software\\Wine", L"Version", strVersion);
 }
 
 void MoveFolder(HKEY hRoot, const std::wstring& strName, const std::wstring& strFolder)
 {
-    SetKeyText(hRoot, L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders", strName,
-               strFolder);
+    SetKeyText(hRoot, kWindows + L"\\Explorer\\User Shell Folders", strName, strFolder);
 }
 
 void RestartMachine()

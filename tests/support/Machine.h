@@ -43,11 +43,17 @@ void RemoveTree(const std::wstring& strPath);
 // Sorted paths relative to the folder, those of folders with a backslash at their end. None without the folder.
 TEXTS ListTree(const std::wstring& strFolder);
 
-// Keeps a file open as long as the result lives. With FILE_SHARE_READ nobody can replace or remove it; with
-// FILE_SHARE_WRITE besides it can be overwritten; with 0 not even be read. With kAsImage it becomes a mapped program,
-// which can only be renamed.
+// Keeps a file open as long as the result lives. As a rule nobody can replace or remove it; with FILE_SHARE_WRITE
+// besides it can be overwritten; with 0 not even be read. With kAsImage it becomes a mapped program, which can only be
+// renamed.
 const DWORD kAsImage = ~0u;
-std::shared_ptr<void> HoldFile(const std::wstring& strPath, DWORD nSharing);
+std::shared_ptr<void> HoldFile(const std::wstring& strPath, DWORD nSharing = FILE_SHARE_READ);
+
+// Keys that many ask about.
+const HKEY kMachine = HKEY_LOCAL_MACHINE;
+const HKEY kUser = HKEY_CURRENT_USER;
+const std::wstring kProduct = L"SOFTWARE\\Tandrel\\Lumacap 8";
+const std::wstring kWindows = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
 
 // A value as a text: that of a REG_SZ as it stands, "dword 8" of a number, "type 3" of another one,
 // "(absent)" without the value.

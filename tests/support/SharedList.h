@@ -12,6 +12,8 @@
 
 #include "foundation/Owners.h"
 
+using IDS = std::vector<DWORD>;
+
 class CSharedList
 {
 public:
@@ -40,7 +42,7 @@ public:
     }
 
     // Nothing stands behind the ids afterwards.
-    void Set(const std::vector<DWORD>& ids, DWORD nLimit = 1)
+    void Set(const IDS& ids, DWORD nLimit = 1)
     {
         memset(m_pList, 0, sizeof(LIST));
         m_pList->nLimit = nLimit;
@@ -73,7 +75,7 @@ private:
 class CProductList : public CSharedList
 {
 public:
-    explicit CProductList(const std::vector<DWORD>& ids)
+    explicit CProductList(const IDS& ids)
         : CSharedList(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 131072,
                                          (kMappingName + L"Tandrel.Lumacap-DX.v4").c_str()))
     {

@@ -10,13 +10,12 @@
 
 // What tests and the programs under test may leave.
 static const std::pair<HKEY, const wchar_t*> kLeavings[] = {
-    { HKEY_LOCAL_MACHINE,
-      L"Tandrel|Mozilla|RegisteredApplications|Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8|"
-      L"Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe|Classes\\LC8.Document|Classes\\.lcp|"
-      L"Classes\\Lumacap.8|Classes\\Applications\\Lumacap8.exe|"
-      L"Classes\\CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}" }, // the sample's thumbnail handler
-    { HKEY_CURRENT_USER, L"Tandrel|Mozilla|Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts|"
-                         L"Classes\\Applications\\Lumacap8.exe" },
+    { kMachine, L"Tandrel|Mozilla|RegisteredApplications|Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8|"
+                L"Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe|Classes\\LC8.Document|Classes\\.lcp|"
+                L"Classes\\Lumacap.8|Classes\\Applications\\Lumacap8.exe|"
+                L"Classes\\CLSID\\{6B0F4C52-9D3E-4A71-8C25-1E7A90D4B3F6}" }, // the sample's thumbnail handler
+    { kUser, L"Tandrel|Mozilla|Microsoft\\Windows\\CurrentVersion\\Explorer\\FileExts|"
+             L"Classes\\Applications\\Lumacap8.exe" },
 };
 
 void World::SetUp()
@@ -29,16 +28,15 @@ void World::SetUp()
             RemoveKey(hRoot, L"SOFTWARE\\" + strKey);
     for (const wchar_t* pszUser : { L"1001", L"1002" }) // logged on by tests
         RemoveKey(HKEY_USERS, std::wstring(L"S-1-5-21-7-7-7-") + pszUser);
-    for (const auto& [hRoot, strPrefix, strUsers] : { std::make_tuple(HKEY_LOCAL_MACHINE, L"Common ", L"all\\"),
-                                                      std::make_tuple(HKEY_CURRENT_USER, L"", L"user\\") })
+    for (const auto& [hRoot, strPrefix, strUsers] :
+         { std::make_tuple(kMachine, L"Common ", L"all\\"), std::make_tuple(kUser, L"", L"user\\") })
         for (const wchar_t* pszPath : { L"Desktop", L"Programs", L"Programs\\Startup" })
         {
             const std::wstring strPath = pszPath;
             MakeFolder(At(strUsers + strPath));
             MoveFolder(hRoot, strPrefix + strPath.substr(strPath.rfind(L'\\') + 1), At(strUsers + strPath));
         }
-    SetKeyText(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir",
-               At(L"Program Files"));
+    SetKeyText(kMachine, kWindows, L"ProgramFilesDir", At(L"Program Files"));
     MakeFolder(At(L"temp"));
     SetEnvironmentVariableW(L"TMP", At(L"temp").c_str());
     SetWindowsVersion(L"win7");

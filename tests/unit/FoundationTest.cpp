@@ -18,7 +18,6 @@ namespace
 
 using Foundation = World;
 
-const HKEY kUser = HKEY_CURRENT_USER;
 const wchar_t kShutdown[] = L"SeShutdownPrivilege";
 
 // 0 unless the parent's program is this one.
@@ -64,8 +63,7 @@ TEST_F(Foundation, MachineTellsFoldersAndVersion)
                                             L"25 Common Desktop|39 MyPictures|999 ",
                                             L'|'))
     {
-        SetKeyText(strRow.find(L'C') == 3 ? HKEY_LOCAL_MACHINE : kUser,
-                   L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders",
+        SetKeyText(strRow.find(L'C') == 3 ? kMachine : kUser, kWindows + L"\\Explorer\\Shell Folders",
                    strRow.substr(strRow.find(L' ') + 1), strRow);
         EXPECT_STREQ(GetSpecialFolder(_wtoi(strRow.c_str())), strRow.c_str());
     }
@@ -147,8 +145,9 @@ TEST_F(Foundation, TextsAreCutSortedAndTrimmed)
     EXPECT_STREQ(szText, L"One two");
 
     CStringArray aStrings;
-    for (const wchar_t* pszText : { L"b", L"B", L"a", L"_" })
-        aStrings.Add(pszText);
+    aStrings.SetSize(4);
+    for (int i = 0; i < 4; i++)
+        aStrings[i] = CString(L"bBa_"[i]);
     SortStringsNoCase(aStrings);
     EXPECT_STREQ(aStrings[0] + aStrings[1] + aStrings[2] + aStrings[3], L"_abB");
 

@@ -11,8 +11,6 @@
 namespace
 {
 
-using IDS = std::vector<DWORD>;
-
 // This process has the id 9. A window belongs to the process whose id is the ninth character of its caption: 4 has a
 // disabled one in front of another, 5 a minimized one, 6 none that counts.
 class InstanceManager : public testing::Test

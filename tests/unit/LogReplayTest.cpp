@@ -59,7 +59,7 @@ TEST_F(LogReplay, ReadOnlyAndHiddenFilesGoAndBusyOnesWaitForTheBoot)
     SetAttributes(At(L"inst\\1"), 3);
     SetAttributes(At(L"inst\\2"), 6);
     SetAttributes(m_strInst, 2);
-    const auto hold = HoldFile(At(L"inst\\2"), FILE_SHARE_READ);
+    const auto hold = HoldFile(At(L"inst\\2"));
     EXPECT_EQ(DeleteMatchingFiles(At(L"inst/").c_str(), L"*"), 1);
     EXPECT_EQ(DeleteMatchingFiles(L"", At(L"inst\\d\\*3").c_str()), 1);
     EXPECT_EQ(Left(), L"2 d\\ d\\4; -. -C:\\corner -2 -d");
@@ -74,7 +74,7 @@ TEST_F(LogReplay, LinksGoFirstAndThenTheirFoldersAndEmptyParents)
           L"Shell Link: ~\\g\\1\\b\nShell Link: ~\\h\\kept\nShell Link: ~\\h\\busy\nShell Link: ~\\?\n",
           L"a g\\1\\b g\\2\\3\\ d\\ f h\\busy h\\kept h\\sub\\");
     SetAttributes(At(L"inst\\h\\kept"), 1);
-    const auto hold = HoldFile(At(L"inst\\h\\busy"), FILE_SHARE_READ);
+    const auto hold = HoldFile(At(L"inst\\h\\busy"));
     RemoveLoggedLinks(m_strLog.c_str());
     EXPECT_EQ(Left(), L"d\\ f h\\ h\\busy h\\kept h\\sub\\; ");
 }

@@ -35,7 +35,7 @@ TEST_F(PackageList, EachKindTakesItsOwnRecords)
     Make(L"from\\none.dll|from\\version.dll");
     for (const wchar_t* pszName : { L"from\\free.dll", L"from\\held.dll" })
         CopyOneFile(BuildFolder() + L"\\package\\ThumbLcp64.dll", At(pszName));
-    const auto hold = HoldFile(At(L"from\\held.dll"), FILE_SHARE_READ);
+    const auto hold = HoldFile(At(L"from\\held.dll"));
     SetCurrentDirectoryW(At(L"from").c_str()); // where the library search looks
 
     const std::pair<int, const wchar_t*> rows[] = {

@@ -5,8 +5,9 @@
 #include <afx.h>
 
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
 
-const char kEndMark = 0x1A; // ends what the runtime reads of a text
+static constexpr char kEndMark = 0x1A; // ends what the runtime reads of a text
 
 static std::string ReadBytes(const wchar_t* pszPath)
 {

@@ -4,6 +4,7 @@
 #include <afx.h>
 
 #include "foundation/FolderPaths.h"
+#include "foundation/TextEnds.h"
 
 CString FoldCase(const wchar_t* pszText)
 {
@@ -38,7 +39,7 @@ static CString Climb(const CString& strPath)
 {
     if (strPath == kTarget)
         return kBeside;
-    if (strPath == kBeside || strPath.Right(3) == L"\\..")
+    if (strPath == kBeside || EndsWith(strPath, L"\\.."))
         return strPath + L"\\..";
     return CutLastPart(strPath);
 }
@@ -73,9 +74,9 @@ CString FoldPath(const wchar_t* pszPath)
 // The places around the target, and the folders above them.
 static bool IsPlace(const CString& strPath)
 {
-    if (strPath.Right(3) == L"\\..")
+    if (EndsWith(strPath, L"\\.."))
         return true;
-    return strPath.Right(1) == L">" && strPath != kTarget && strPath.Find(L'\\') < 0;
+    return EndsWith(strPath, L">") && strPath != kTarget && strPath.Find(L'\\') < 0;
 }
 
 static CString NameOf(const CString& strPath)
@@ -91,7 +92,7 @@ static CString ParentOf(const CString& strPath)
 // A path with a separator at its end leads to folders alone.
 static bool IsForFolders(const CString& strPath)
 {
-    return strPath.Right(1).FindOneOf(L"\\/") >= 0;
+    return EndsWith(strPath, L"\\") || EndsWith(strPath, L"/");
 }
 
 const TreeEntry* CFileTree::Find(const wchar_t* pszPath) const
@@ -120,7 +121,7 @@ std::vector<TreeEntry> CFileTree::Below(const wchar_t* pszFolder) const
     std::vector<TreeEntry> entries;
     for (auto i = m_entries.lower_bound(strBelow); i != m_entries.end(); ++i)
     {
-        if (i->first.Left(strBelow.GetLength()) != strBelow)
+        if (!StartsWith(i->first, strBelow))
             break;
         entries.push_back(i->second);
     }
@@ -196,14 +197,13 @@ bool CFileTree::Move(const wchar_t* pszFrom, const wchar_t* pszTo)
     const CString strFrom = FoldPath(pszFrom);
     const CString strTo = Normalize(pszTo);
     const CString strBelow = strFrom + L"\\";
-    if (Find(pszFrom) == nullptr || Exists(strTo) || !CanHold(strTo) ||
-        FoldCase(strTo).Left(strBelow.GetLength()) == strBelow)
+    if (Find(pszFrom) == nullptr || Exists(strTo) || !CanHold(strTo) || StartsWith(FoldCase(strTo), strBelow))
         return false;
 
     std::map<CString, TreeEntry> moved;
     for (auto& [strKey, entry] : m_entries)
     {
-        if (strKey == strFrom || strKey.Left(strBelow.GetLength()) == strBelow)
+        if (strKey == strFrom || StartsWith(strKey, strBelow))
             entry.strPath = strTo + entry.strPath.Mid(strFrom.GetLength());
         moved[FoldCase(entry.strPath)] = entry;
     }

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-const wchar_t kTarget[] = L"<target>";
-const wchar_t kBeside[] = L"<beside>"; // the folder that the target stands in
+inline constexpr wchar_t kTarget[] = L"<target>";
+inline constexpr wchar_t kBeside[] = L"<beside>"; // the folder that the target stands in
 
 struct TreeEntry
 {

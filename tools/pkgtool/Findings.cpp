@@ -7,6 +7,8 @@
 #include "app/Product.h"
 #include "tools/pkgtool/Output.h"
 
+namespace
+{
 struct FindingText
 {
     FindingKind nKind;
@@ -14,6 +16,7 @@ struct FindingText
     const wchar_t* pszHappens; // in both texts %1 stands for the finding's detail
     const wchar_t* pszInstead;
 };
+} // namespace
 
 static const FindingText kTexts[] = {
     { FINDING_BYTE_ORDER_MARK, L"byte-order-mark",

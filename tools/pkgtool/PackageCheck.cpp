@@ -4,6 +4,8 @@
 #include "app/Product.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 #include "install/FileVersion.h"
 #include "tools/pkgtool/PlannedRemoval.h"
 
@@ -15,6 +17,8 @@ unsigned int g_nVerBuild;
 
 static const wchar_t kTail[] = L" | ";
 
+namespace
+{
 struct RecordForm
 {
     const wchar_t* pszPrefix;
@@ -22,6 +26,13 @@ struct RecordForm
     bool bHasTail;
     bool bOfInstall;
 };
+
+struct CountedOn
+{
+    const wchar_t* pszName;
+    FindingKind nKind;
+};
+} // namespace
 
 static const RecordForm kRecordForms[] = {
     { kFileCopy, true, false, false },         { kFileCopyX64, true, false, false },
@@ -35,7 +46,7 @@ static const RecordForm* FindForm(const wchar_t* pszLine)
 {
     for (const RecordForm& form : kRecordForms)
     {
-        if (FindRecordValue(pszLine, form.pszPrefix) != nullptr)
+        if (StartsWith(pszLine, form.pszPrefix))
             return &form;
     }
     return nullptr;
@@ -68,7 +79,7 @@ static void CheckRemark(CFindings& findings, const ListLine& line)
 
 static bool IsAbsolute(const CString& strPath)
 {
-    return strPath.Left(1) == L"\\" || strPath.Left(1) == L"/" || (strPath.GetLength() > 1 && strPath[1] == L':');
+    return StartsWith(strPath, L"\\") || StartsWith(strPath, L"/") || (strPath.GetLength() > 1 && strPath[1] == L':');
 }
 
 static bool IsClimbing(const CString& strPath)
@@ -100,7 +111,7 @@ static void CheckTarget(CFindings& findings, const ListLine& line, const CString
     CheckName(findings, line, strTarget, false);
     if (IsMask(strSource))
         findings.Add(FINDING_MASK_RENAMED, line.nNumber, line.strText);
-    if (strTarget.IsEmpty() || strTarget.Right(1).FindOneOf(L"\\/") >= 0)
+    if (strTarget.IsEmpty() || EndsWith(strTarget, L"\\") || EndsWith(strTarget, L"/"))
         findings.Add(FINDING_EMPTY_TARGET, line.nNumber, line.strText);
     if (strTarget.Find(L'/') >= 0)
         findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
@@ -114,7 +125,7 @@ static void CheckCopied(CFindings& findings, const ListLine& line, const wchar_t
         CheckTarget(findings, line, strSource, strTarget);
     else if (strSource.Find(L'/') >= 0)
         findings.Add(FINDING_FORWARD_SLASH, line.nNumber, line.strText);
-    if (FindRecordValue(line.strText, kFileCopyIfAbsent) != nullptr && strSource.FindOneOf(L"*?\\/") >= 0)
+    if (StartsWith(line.strText, kFileCopyIfAbsent) && strSource.FindOneOf(L"*?\\/") >= 0)
         findings.Add(FINDING_LIBRARY_TEST, line.nNumber, line.strText);
 }
 
@@ -238,25 +249,19 @@ static void CheckFolder(const Package& package, const CString& strBelow, const s
     } while (FindNextFileW(find, &match));
 }
 
-struct CountedOn
-{
-    const wchar_t* pszPath;
-    FindingKind nKind;
-};
-
 static const CountedOn kCountedOn[] = {
-    { kUninstallerPath, FINDING_UNINSTALLER_MISSING },
-    { kProductExePath, FINDING_COUNTED_ON },
-    { L"\\Lumacap8Man.chm", FINDING_COUNTED_ON },
-    { L"\\ThumbLcp64.dll", FINDING_COUNTED_ON },
+    { kUninstallerName, FINDING_UNINSTALLER_MISSING },
+    { kProductExe, FINDING_COUNTED_ON },
+    { kHelpFile, FINDING_COUNTED_ON },
+    { kThumbnailDll, FINDING_COUNTED_ON },
 };
 
 static void CheckInstalled(const CFileTree& tree, CFindings& findings)
 {
     for (const CountedOn& row : kCountedOn)
     {
-        if (!tree.Exists(CString(kTarget) + row.pszPath))
-            findings.Add(row.nKind, 0, row.pszPath + 1, row.pszPath + 1);
+        if (!tree.Exists(CString(kTarget) + L"\\" + row.pszName))
+            findings.Add(row.nKind, 0, row.pszName, row.pszName);
     }
 }
 

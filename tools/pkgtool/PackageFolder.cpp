@@ -1,13 +1,13 @@
 #include "tools/pkgtool/PackageFolder.h"
 
 #include "app/Product.h"
-#include "foundation/FolderPaths.h"
+#include "foundation/TextEnds.h"
 #include "tools/pkgtool/Output.h"
 
 CString CleanFolderArgument(const wchar_t* pszArgument)
 {
     CString strFolder(pszArgument);
-    if (EndsWith(strFolder, L'"'))
+    if (EndsWith(strFolder, L"\""))
         strFolder = strFolder.Left(strFolder.GetLength() - 1);
     strFolder.TrimRight(L"\\/");
     return strFolder;

@@ -8,6 +8,8 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
+#include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 
 const wchar_t* ProgramsPlace(InstallKind nKind)
 {
@@ -19,6 +21,8 @@ const wchar_t* DesktopPlace(InstallKind nKind)
     return nKind == KIND_ALL_USERS ? L"<common desktop>" : L"<user's desktop>";
 }
 
+namespace
+{
 // One record on its way.
 struct RecordCopy
 {
@@ -32,6 +36,15 @@ struct RecordCopy
         plan.findings.Add(nKind, line.nNumber, line.strText, strDetail);
     }
 };
+
+struct PlannedAction
+{
+    const wchar_t* pszPrefix;
+    bool bPortableOnly;
+    bool bIfLibraryAbsent; // a portable install doesn't ask
+    void (*pfnAct)(const RecordCopy& copy, const wchar_t* pszValue);
+};
+} // namespace
 
 static bool IsRealFolder(const wchar_t* pszPath)
 {
@@ -83,7 +96,7 @@ static void ClearTarget(const RecordCopy& copy, const CString& strSource, const 
 
 static bool IsPortableOnly(const wchar_t* pszLine)
 {
-    return FindRecordValue(pszLine, kFileCopyX64) != nullptr || FindRecordValue(pszLine, kFileCopyPortable) != nullptr;
+    return StartsWith(pszLine, kFileCopyX64) || StartsWith(pszLine, kFileCopyPortable);
 }
 
 // A portable install may have a build of its own: the record for all installs first, and its own over that.
@@ -123,7 +136,7 @@ static void ReportRenamed(const RecordCopy& copy, const CString& strSource, cons
     const CString strFolder = CutLastPart(strTarget);
     if (!PathExists(strSource) || IsRealFolder(strSource))
         copy.Report(FINDING_NO_MATCH);
-    else if (!tree.IsFolder(kTarget) && FoldPath(strTarget).Find(FoldPath(kTarget)) == 0)
+    else if (!tree.IsFolder(kTarget) && StartsWith(FoldPath(strTarget), FoldPath(kTarget)))
         copy.Report(FINDING_RENAMED_FIRST);
     else if (!tree.IsFolder(strFolder))
         copy.Report(FINDING_RENAMED_TOO_EARLY, WithoutPlace(strFolder));
@@ -160,7 +173,7 @@ static CString GetMatchTarget(const CString& strMask, const wchar_t* pszTargetFo
 
 static void MakeFolders(const RecordCopy& copy, CString strFolder)
 {
-    strFolder.Trim(L" \t\r\n\\");
+    strFolder.Trim(kPathTrim);
     for (int i = strFolder.Find(L'\\'); i >= 0; i = strFolder.Find(L'\\', i + 1))
         copy.plan.tree.MakeFolder(strFolder.Left(i), copy.line.nNumber);
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
@@ -252,14 +265,6 @@ static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
     copy.plan.tree.MakeFolder(strFolder, copy.line.nNumber);
 }
 
-struct PlannedAction
-{
-    const wchar_t* pszPrefix;
-    bool bPortableOnly;
-    bool bIfLibraryAbsent; // a portable install doesn't ask
-    void (*pfnAct)(const RecordCopy& copy, const wchar_t* pszValue);
-};
-
 // The 64-bit records are for portable installs too: no 64-bit program takes itself for a 32-bit one.
 static const PlannedAction kActions[] = {
     { kFileCopy, false, false, CopyToTarget },
@@ -290,7 +295,7 @@ static void MakeLinks(Plan& plan)
     const CString strGroup = CString(ProgramsPlace(plan.nKind)) + L"\\" + kProductName;
     plan.tree.MakeFolder(strGroup);
     MakeLink(plan.tree, strGroup, kProductName);
-    MakeLink(plan.tree, strGroup, L"Lumacap 8 Help");
+    MakeLink(plan.tree, strGroup, kHelpLinkName);
     MakeLink(plan.tree, DesktopPlace(plan.nKind), kProductName);
 }
 

@@ -2,19 +2,15 @@
 #include "tools/pkgtool/PlannedRemoval.h"
 
 #include "app/Product.h"
-#include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
-
-static const wchar_t* const kRemovedPrefixes[] = {
-    kFileCopy, kFileCopyX64, kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel,
-};
+#include "foundation/TextEnds.h"
 
 // The name that a removal takes from the line; false for one that isn't a file record.
 static bool FindNameToRemove(const ListLine& line, CString& strName)
 {
     for (const wchar_t* pszPrefix : kRemovedPrefixes)
     {
-        if (FindRecordValue(line.strText, pszPrefix) == nullptr)
+        if (!StartsWith(line.strText, pszPrefix))
             continue;
         strName = GetNameToRemove(line.strText, pszPrefix);
         return true;
@@ -45,8 +41,7 @@ static void DeleteMatchingFiles(Plan& plan, const ListLine& line, const CString&
 
 static void ReportNamedFolder(Plan& plan, const ListLine& line, const CString& strName)
 {
-    const bool bRemovedOnly =
-        FindRecordValue(line.strText, kFileDel) != nullptr || FindRecordValue(line.strText, kFileOverwrite) != nullptr;
+    const bool bRemovedOnly = StartsWith(line.strText, kFileDel) || StartsWith(line.strText, kFileOverwrite);
     if (bRemovedOnly && !IsMask(strName) && plan.tree.IsFolder(InTarget(strName)))
         plan.findings.Add(FINDING_FOLDER_DELETED, line.nNumber, line.strText, strName);
 }
@@ -94,7 +89,7 @@ static void RemoveLinks(Plan& plan)
 {
     for (const TreeEntry& entry : plan.tree.Entries())
     {
-        if (entry.strPath.Right(4) == kLinkExtension && entry.strSource.IsEmpty())
+        if (EndsWith(entry.strPath, kLinkExtension) && entry.strSource.IsEmpty())
             plan.tree.RemoveFile(entry.strPath);
     }
     plan.tree.RemoveFolder(CString(ProgramsPlace(plan.nKind)) + L"\\" + kProductName);
@@ -124,7 +119,7 @@ static const ListLine* FindRecordBelow(const CheckedList& list, const CString& s
         const CString strNamed = FoldPath(InTarget(pszFolder));
         if (strNamed == strGiven)
             return nullptr;
-        if (strNamed.Left(strBelow.GetLength()) == strBelow)
+        if (StartsWith(strNamed, strBelow))
             pBelow = &line;
     }
     return pBelow;
@@ -161,7 +156,7 @@ static const ListLine* FindCopyThatMade(const CheckedList& list, const TreeEntry
 {
     for (const ListLine& line : list.lines)
     {
-        if (line.nNumber == folder.nLine && FindRecordValue(line.strText, kMakeDir) == nullptr)
+        if (line.nNumber == folder.nLine && !StartsWith(line.strText, kMakeDir))
             return &line;
     }
     return nullptr;
@@ -173,8 +168,8 @@ static void ReportUnnamedFolders(const CheckedList& list, Plan& plan)
     for (const TreeEntry& entry : plan.tree.Entries())
     {
         const ListLine* pLine = entry.bFolder ? FindCopyThatMade(list, entry) : nullptr;
-        if (pLine != nullptr && entry.strPath.Left(strBelow.GetLength()) == strBelow &&
-            !plan.tree.HoldsFile(entry.strPath) && !IsNamedFolder(list, entry.strPath))
+        if (pLine != nullptr && StartsWith(entry.strPath, strBelow) && !plan.tree.HoldsFile(entry.strPath) &&
+            !IsNamedFolder(list, entry.strPath))
             plan.findings.Add(FINDING_FOLDER_UNNAMED, pLine->nNumber, pLine->strText,
                               entry.strPath.Mid(strBelow.GetLength()));
     }
