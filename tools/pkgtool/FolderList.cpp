@@ -9,6 +9,7 @@
 #include "foundation/FolderPaths.h"
 #include "foundation/InstallLog.h"
 #include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 #include "tools/pkgtool/Output.h"
 #include "tools/pkgtool/PackageFolder.h"
 
@@ -73,7 +74,7 @@ static const wchar_t* WhyUnsayable(const CString& strPath)
     }
     if (strPath.GetLength() > kLongestPath)
         return L"its path is too long";
-    if (EndsWith(strPath, L' ') || EndsWith(strPath, L'.'))
+    if (EndsWith(strPath, L" ") || EndsWith(strPath, L"."))
         return L"its name ends in a blank or a dot";
     if (strPath.CompareNoCase(kSecondListName) == 0)
         return L"a removal would read it as a list";
