@@ -44,7 +44,7 @@ static void Run(const std::wstring& strCommandLine)
         return;
     SetCurrentDirectoryW(L"C:\\");
     for (const std::wstring& strAnswer : std::exchange(s_answers, TEXTS()))
-        Tell(L"box: " + AnswerBox(run.Id(), std::stoi(strAnswer)));
+        Tell(L"box: " + AnswerBox(0, std::stoi(strAnswer)));
     TEXTS report;
     const auto isOver = [&]
     {
