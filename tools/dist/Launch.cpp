@@ -21,32 +21,64 @@ static const wchar_t* SkipArgument(const wchar_t* psz)
     return psz;
 }
 
+static bool IsOneOf(const wchar_t* pszArgument, const wchar_t* psz, const wchar_t* pszOther)
+{
+    return lstrcmpiW(pszArgument, psz) == 0 || lstrcmpiW(pszArgument, pszOther) == 0;
+}
+
+namespace
+{
+class CArguments
+{
+public:
+    CArguments() : m_ppsz(CommandLineToArgvW(GetCommandLineW(), &m_nCount)) {}
+    ~CArguments() { LocalFree(m_ppsz); }
+    CArguments(const CArguments&) = delete;
+    CArguments& operator=(const CArguments&) = delete;
+
+    // The first argument, if it is -s or what passes for it; else null.
+    const wchar_t* FirstSilent() const
+    {
+        return m_nCount > 1 && IsOneOf(m_ppsz[1], L"-s", L"/s") ? m_ppsz[1] : nullptr;
+    }
+
+    bool NameFolder() const
+    {
+        for (int i = 1; i < m_nCount; ++i)
+            if (IsOneOf(m_ppsz[i], L"-instdir", L"-instport"))
+                return true;
+        return false;
+    }
+
+private:
+    int m_nCount = 0;
+    wchar_t** m_ppsz;
+};
+} // namespace
+
 // The setup reads the switch for its own path up to the first -v or -sconf only, and a folder switch takes whatever
 // stands behind it: so the switch comes first. But a first -s is told from a later one, which forbids the question
 // about running products too: it stays the first. What only counts as first argument beside that is -install, which the
 // setup's name makes up for, and what would make it an uninstaller, which the one file never is.
 // For whoever frees it.
-static wchar_t* NewCommandLine(const wchar_t* pszSetup)
+static wchar_t* NewCommandLine(const wchar_t* pszSetup, const CArguments& arguments)
 {
     const auto pszCommandLine = static_cast<wchar_t*>(LocalAlloc(LPTR, 3 * kMostCharacters * sizeof(wchar_t)));
     const auto append = [pszCommandLine](const wchar_t* psz) { lstrcatW(pszCommandLine, psz); };
-    const wchar_t* pszArguments = SkipArgument(GetCommandLineW());
+    const wchar_t* pszRest = SkipArgument(GetCommandLineW());
     append(L"\"");
     append(pszSetup);
     append(L"\" ");
-    int nCount = 0;
-    wchar_t** const ppszArguments = CommandLineToArgvW(GetCommandLineW(), &nCount);
-    if (nCount > 1 && (lstrcmpiW(ppszArguments[1], L"-s") == 0 || lstrcmpiW(ppszArguments[1], L"/s") == 0))
+    if (const wchar_t* pszFirst = arguments.FirstSilent(); pszFirst != nullptr)
     {
-        append(ppszArguments[1]);
+        append(pszFirst);
         append(L" ");
-        pszArguments = SkipArgument(pszArguments);
+        pszRest = SkipArgument(pszRest);
     }
-    LocalFree(ppszArguments);
     append(L"\"-sfxname=");
     GetModuleFileNameW(nullptr, pszCommandLine + lstrlenW(pszCommandLine), kMostCharacters);
     append(L"\" ");
-    append(pszArguments);
+    append(pszRest);
     return pszCommandLine;
 }
 
@@ -65,21 +97,25 @@ static DWORD AwaitExitCode(HANDLE hProcess)
     return nCode;
 }
 
-// The packer's variable $0 holds the path of the setup, then its exit code in decimal; an empty text if it can't be
-// started.
-extern "C" __declspec(dllexport) void Run(HWND, int, wchar_t* pszVariable0)
+// The packer's variable $0, of so many characters as all, holds the path of the setup, then its exit code in decimal;
+// an empty text if it can't be started. $1 holds the user's working folder: the setup gets it where the arguments name
+// a folder, which may be a relative one. All other runs stay where the packer is, since the setup would look for some
+// libraries in the user's folder, which may hold anything.
+extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVariables)
 {
+    const CArguments arguments;
+    const wchar_t* pszFolder = arguments.NameFolder() ? pszVariables + nCharacters : nullptr;
+    wchar_t* const pszCommandLine = NewCommandLine(pszVariables, arguments);
+    *pszVariables = L'\0';
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    wchar_t* const pszCommandLine = NewCommandLine(pszVariable0);
-    *pszVariable0 = L'\0';
     const BOOL bStarted =
-        CreateProcessW(nullptr, pszCommandLine, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+        CreateProcessW(nullptr, pszCommandLine, nullptr, nullptr, FALSE, 0, nullptr, pszFolder, &startup, &process);
     LocalFree(pszCommandLine);
     if (!bStarted)
         return;
-    wsprintfW(pszVariable0, L"%d", AwaitExitCode(process.hProcess));
+    wsprintfW(pszVariables, L"%d", AwaitExitCode(process.hProcess));
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
 }

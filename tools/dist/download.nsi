@@ -36,7 +36,6 @@ CRCCheck force
 AllowSkipFiles off
 
 Var quiet
-Var folder
 
 ; Silent only from here on, so that a damaged download is told before.
 Function .onInit
@@ -46,16 +45,15 @@ Function .onInit
     SetSilent silent
 FunctionEnd
 
-; The setup gets the working folder of the user: relative folders among the arguments count from there, and what the
-; setup starts may stay in it. It can't be the unpacked package, which goes.
+; The plug-in knows how the arguments and the user's working folder are handed on, and why so. No process may stay in
+; the unpacked package, which goes.
 Section
-    GetFullPathName $folder .
+    GetFullPathName $1 .
     InitPluginsDir
+    StrCpy $0 $PLUGINSDIR\package\setup.exe
     SetOutPath $PLUGINSDIR\package
     File /r "${PACKAGE}/*"
-    SetOutPath $folder
-    ; The plug-in knows how the arguments are handed on, and why so.
-    StrCpy $0 $PLUGINSDIR\package\setup.exe
+    SetOutPath $SYSDIR
     Launch::Run
     ${If} $0 == ""
         Abort
@@ -64,7 +62,7 @@ Section
 SectionEnd
 
 Function .onInstFailed
-    SetOutPath $folder
+    SetOutPath $SYSDIR
     ${If} $quiet == ""
         MessageBox MB_OK|MB_ICONSTOP "Lumacap Setup could not be unpacked. Please make sure that there is enough room in \
 the temporary folder, then start it again.$\n$\n$TEMP"
