@@ -9,10 +9,11 @@ SetCompressorDictSize 64
 !include LogicLib.nsh
 !addplugindir "${PLUGINS}"
 
-; As the setup has them
+; As the setup has them. The style is the packer's own need: with it the system takes the library of the controls from its
+; own folder, and not from beside the download.
 Name "Lumacap Setup"
 Icon ../../res/download.ico
-XPStyle off
+XPStyle on
 RequestExecutionLevel admin
 ManifestDPIAware true
 ManifestSupportedOS WinVista Win7
