@@ -193,6 +193,14 @@ TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
     AnswerBox(0, IDYES);
     EXPECT_EQ(Outcome(), L"(absent)");
 
+    Start();
+    Meet();
+    DWORD nSetup = 0;
+    GetWindowThreadProcessId(m_wizard->Window(), &nSetup);
+    TerminateProcess(CHandleOwner(OpenProcess(PROCESS_TERMINATE, FALSE, nSetup)), 7);
+    m_run->WaitForEnd();
+    EXPECT_EQ(m_run->ExitCode(), 7u);
+
     Start(L"-v");
     Meet();
     for (const int nControl : { 1000, 1005, 1008, 1011, 1012 })

@@ -1,8 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the manifests of a download against winget's rules, the download itself and what an install registers.
-
-usage: manifests.py DIST-FOLDER SCENARIO-SETS
-"""
+# Holds the manifests of a download against winget's rules, the download itself and what an install registers.
+# usage: manifests.py DIST-FOLDER SCENARIO-SETS
 import hashlib
 import sys
 from pathlib import Path
