@@ -3,7 +3,7 @@
 # build/bench/report.md with a plot. Fails if a bound is missed. usage: bench.sh [PAIRS]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-tools/prerequisites.sh gnuplot-nox nsis
+tools/prerequisites.sh gnuplot-nox
 . tools/machine.sh
 pairs=${1:-9}
 bench=$PWD/build/bench

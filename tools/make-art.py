@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-# Draws the program's art: res/setup.ico and res/side.bmp. The results are kept in the repository, so this runs only
+# Draws the program's art: res/*.ico and res/side.bmp. The results are kept in the repository, so this runs only
 # when the design changes. Needs nothing but Python's standard library.
 # usage: make-art.py [PREVIEW-FOLDER]   with a folder, PNG copies of both go there too
 import math
@@ -195,6 +195,8 @@ def main():
     icons = [render(size, size, icon_sample(size), 4 if size > 64 else 8) for size in ICON_SIZES]
     side = render(*SIDE_SIZE, side_sample, 4)
     write(RES, "setup.ico", ico(icons))
+    # What people download is kept small: without the large pictures, which weigh as much as the packer.
+    write(RES, "download.ico", ico(icons[:4]))
     write(RES, "side.bmp", bmp(side))
     if len(sys.argv) > 1:
         for rows in icons:

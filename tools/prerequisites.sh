@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth googletest
-    libcli11-dev nlohmann-json3-dev
+    libcli11-dev nlohmann-json3-dev nsis python3-yaml
     clang-format clang-tidy cppcheck gcovr python3 git fonts-dejavu-core procps libc-bin
     "$@")
 

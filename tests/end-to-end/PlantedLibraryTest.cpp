@@ -54,4 +54,7 @@ TEST_F(PlantedLibrary, IsTakenByACarelessProgramButByNoSetup)
     EXPECT_EQ(Taken(), strByPlatform);
     EXPECT_EQ(RunToEnd(At(L"package\\setup.exe -install -s")), 0u);
     EXPECT_EQ(Taken(), strByPlatform);
+    CopyOneFile(BuildFolder() + L"\\dist\\Lumacap8Setup.exe", At(L"package\\Lumacap8Setup.exe"));
+    EXPECT_EQ(RunToEnd(At(L"package\\Lumacap8Setup.exe -install -s")), 0u);
+    EXPECT_EQ(Taken(), strByPlatform);
 }

@@ -44,7 +44,7 @@ static void Run(const std::wstring& strCommandLine)
         return;
     SetCurrentDirectoryW(L"C:\\");
     for (const std::wstring& strAnswer : std::exchange(s_answers, TEXTS()))
-        Tell(L"box: " + AnswerBox(run.Id(), std::stoi(strAnswer)));
+        Tell(L"box: " + AnswerBox(0, std::stoi(strAnswer)));
     TEXTS report;
     const auto isOver = [&]
     {
@@ -62,6 +62,8 @@ static void Take(const std::wstring& strVerb, const std::wstring& strRest)
 {
     if (strVerb == L"hold" || strVerb == L"map")
         s_holds.push_back(HoldFile(strRest, strVerb == L"map" ? kAsImage : FILE_SHARE_READ));
+    else if (strVerb == L"cut")
+        WriteBytes(strRest, ReadBytes(strRest).substr(0, 200000));
     else if (strVerb == L"answer")
         s_answers = Split(strRest, L' ');
     else if (strVerb == L"restart")

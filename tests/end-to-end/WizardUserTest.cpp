@@ -27,7 +27,7 @@ protected:
         m_run.emplace(L"\"" + At(L"package\\setup.exe") + L"\" " + strSwitches);
         m_run->Start();
     }
-    void Meet() { m_wizard.emplace(m_run->Id(), L"Lumacap Setup"); }
+    void Meet() { m_wizard.emplace(0, L"Lumacap Setup"); }
     void Next(int nControl) const
     {
         m_wizard->Click(IDOK);
@@ -181,4 +181,33 @@ TEST_F(WizardUser, ClicksPutAPortableProductWhereTheDialogSays)
     m_wizard->Click(IDOK);
     EXPECT_EQ(Outcome(), L"(absent)");
     EXPECT_TRUE(IsThere(strPlace + L"\\StartLC8.exe"));
+}
+
+TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
+{
+    CopyOneFile(BuildFolder() + L"\\dist\\Lumacap8Setup.exe", At(L"package\\setup.exe"));
+    WriteBytes(At(L"package\\Lumacap8.ini"), "");
+    Start();
+    Meet();
+    m_wizard->Click(IDCANCEL);
+    AnswerBox(0, IDYES);
+    EXPECT_EQ(Outcome(), L"(absent)");
+
+    Start();
+    Meet();
+    DWORD nSetup = 0;
+    GetWindowThreadProcessId(m_wizard->Window(), &nSetup);
+    TerminateProcess(CHandleOwner(OpenProcess(PROCESS_TERMINATE, FALSE, nSetup)), 7);
+    m_run->WaitForEnd();
+    EXPECT_EQ(m_run->ExitCode(), 7u);
+
+    Start(L"-v");
+    Meet();
+    for (const int nControl : { 1000, 1005, 1008, 1011, 1012 })
+        Next(nControl);
+    m_wizard->Click(IDOK);
+    EXPECT_NE(Outcome(), L"(absent)");
+    EXPECT_TRUE(IsThere(At(L"Program Files\\Lumacap 8\\Lumacap8.ini")));
+    m_run.reset();
+    EXPECT_EQ(Tree(L"temp"), L"");
 }

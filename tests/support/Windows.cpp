@@ -61,7 +61,7 @@ static HWND AwaitTopWindow(DWORD nProcessId, Predicate predicate)
             {
                 DWORD nOwnerId = 0;
                 GetWindowThreadProcessId(hWnd, &nOwnerId);
-                if (nOwnerId == nProcessId && IsWindowVisible(hWnd) && predicate(hWnd))
+                if ((nOwnerId == nProcessId || nProcessId == 0) && IsWindowVisible(hWnd) && predicate(hWnd))
                     hFound = hWnd;
             }
             return hFound != nullptr;

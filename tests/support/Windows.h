@@ -11,7 +11,8 @@
 class CWindowDriver
 {
 public:
-    // Waits for a visible top-level window of the process whose caption begins so. Fails the test if none comes.
+    // Waits for a visible top-level window of the process, or of any if the id is 0, whose caption begins so. Fails the
+    // test if none comes.
     CWindowDriver(DWORD nProcessId, const std::wstring& strCaption);
     explicit CWindowDriver(HWND hWnd) : m_hWnd(hWnd) {}
 
@@ -38,8 +39,8 @@ private:
     HWND m_hWnd = nullptr;
 };
 
-// The message box that the process shows: its `CAPTION: TEXT [BUTTONS]`, the default one first. It is answered, and
-// waited for until it has gone. Fails the test if none comes.
+// The message box that the process shows, or any process if the id is 0: its `CAPTION: TEXT [BUTTONS]`, the default one
+// first. It is answered, and waited for until it has gone. Fails the test if none comes.
 std::wstring AnswerBox(DWORD nProcessId, int nCommand);
 
 // Top-level, of the test program.

@@ -1,0 +1,127 @@
+// A plug-in of the packer, for what its scripts can't do: starts the unpacked setup with the arguments of the one file
+// that was downloaded, exactly as they were written, waits for its end and gives its exit code.
+#include <windows.h>
+#include <shellapi.h>
+
+// Characters that the system starts a program with, and those of the longest path, at most.
+const int kMostCharacters = 0x8000;
+
+static bool IsBlank(wchar_t ch)
+{
+    return ch == L' ' || ch == L'\t';
+}
+
+static const wchar_t* SkipArgument(const wchar_t* psz)
+{
+    bool bQuoted = false;
+    for (; *psz != L'\0' && (bQuoted || !IsBlank(*psz)); ++psz)
+        bQuoted ^= *psz == L'"';
+    while (IsBlank(*psz))
+        ++psz;
+    return psz;
+}
+
+static bool IsOneOf(const wchar_t* pszArgument, const wchar_t* psz, const wchar_t* pszOther)
+{
+    return lstrcmpiW(pszArgument, psz) == 0 || lstrcmpiW(pszArgument, pszOther) == 0;
+}
+
+namespace
+{
+class CArguments
+{
+public:
+    CArguments() : m_ppsz(CommandLineToArgvW(GetCommandLineW(), &m_nCount)) {}
+    ~CArguments() { LocalFree(m_ppsz); }
+    CArguments(const CArguments&) = delete;
+    CArguments& operator=(const CArguments&) = delete;
+
+    // The first argument, if it is -s or what passes for it; else null.
+    const wchar_t* FirstSilent() const
+    {
+        return m_nCount > 1 && IsOneOf(m_ppsz[1], L"-s", L"/s") ? m_ppsz[1] : nullptr;
+    }
+
+    bool NameFolder() const
+    {
+        for (int i = 1; i < m_nCount; ++i)
+            if (IsOneOf(m_ppsz[i], L"-instdir", L"-instport"))
+                return true;
+        return false;
+    }
+
+private:
+    int m_nCount = 0;
+    wchar_t** m_ppsz;
+};
+} // namespace
+
+// The setup reads the switch for its own path up to the first -v or -sconf only, and a folder switch takes whatever
+// stands behind it: so the switch comes first. But a first -s is told from a later one, which forbids the question
+// about running products too: it stays the first. What only counts as first argument beside that is -install, which the
+// setup's name makes up for, and what would make it an uninstaller, which the one file never is.
+// For whoever frees it.
+static wchar_t* NewCommandLine(const wchar_t* pszSetup, const CArguments& arguments)
+{
+    const auto pszCommandLine = static_cast<wchar_t*>(LocalAlloc(LPTR, 3 * kMostCharacters * sizeof(wchar_t)));
+    const auto append = [pszCommandLine](const wchar_t* psz) { lstrcatW(pszCommandLine, psz); };
+    const wchar_t* pszRest = SkipArgument(GetCommandLineW());
+    append(L"\"");
+    append(pszSetup);
+    append(L"\" ");
+    if (const wchar_t* pszFirst = arguments.FirstSilent(); pszFirst != nullptr)
+    {
+        append(pszFirst);
+        append(L" ");
+        pszRest = SkipArgument(pszRest);
+    }
+    append(L"\"-sfxname=");
+    GetModuleFileNameW(nullptr, pszCommandLine + lstrlenW(pszCommandLine), kMostCharacters);
+    append(L"\" ");
+    append(pszRest);
+    return pszCommandLine;
+}
+
+// Of the setup alone: a product that it starts at its end may stay. This thread's windows answer meanwhile, since
+// programs send messages to all windows.
+static DWORD AwaitExitCode(HANDLE hProcess)
+{
+    while (MsgWaitForMultipleObjects(1, &hProcess, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1)
+    {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageW(&msg);
+    }
+    DWORD nCode = 0;
+    GetExitCodeProcess(hProcess, &nCode);
+    return nCode;
+}
+
+// The packer's variable $0, of so many characters as all, holds the path of the setup, then its exit code in decimal;
+// an empty text if it can't be started. $1 holds the user's working folder: the setup gets it where the arguments name
+// a folder, which may be a relative one. All other runs stay where the packer is, since the setup would look for some
+// libraries in the user's folder, which may hold anything.
+extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVariables)
+{
+    const CArguments arguments;
+    const wchar_t* pszFolder = arguments.NameFolder() ? pszVariables + nCharacters : nullptr;
+    wchar_t* const pszCommandLine = NewCommandLine(pszVariables, arguments);
+    *pszVariables = L'\0';
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    const BOOL bStarted =
+        CreateProcessW(nullptr, pszCommandLine, nullptr, nullptr, FALSE, 0, nullptr, pszFolder, &startup, &process);
+    LocalFree(pszCommandLine);
+    if (!bStarted)
+        return;
+    wsprintfW(pszVariables, L"%d", AwaitExitCode(process.hProcess));
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+}
+
+// The library's entry: no runtime is started in it.
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID)
+{
+    return TRUE;
+}
