@@ -22,7 +22,6 @@ check_package() (
 
 # A copy whose files have the time of the commit, so that the same sources always make the same file.
 stage_package() {
-    rm -rf "$dist"
     mkdir -p "$dist"
     cp -r "$package" "$dist/package"
     find "$dist/package" -exec touch --date="@${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}" {} +
@@ -41,6 +40,7 @@ write_manifests() {
 }
 
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "$url is no address"
+rm -rf "$dist"
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
 stage_package

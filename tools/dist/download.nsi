@@ -12,6 +12,7 @@ SetCompressorDictSize 64
 ; As the setup has them. The style is the packer's own need: with it the system takes the library of the controls from its
 ; own folder, and not from beside the download.
 Name "Lumacap Setup"
+Caption "Lumacap Setup"
 Icon ../../res/download.ico
 XPStyle on
 RequestExecutionLevel admin
