@@ -35,14 +35,17 @@ void MeasureInstallers(const std::wstring& strFolder, int nFiles, int nPairs)
     const std::wstring strPackage = strFolder + L"\\package";
     const std::wstring strTarget = strFolder + L"\\target1";
     const std::wstring strOther = strFolder + L"\\target2";
+    std::wstring strInstall = strPackage + L"\\setup.exe -install -s -instdir ";
+    strInstall += strTarget;
+    std::wstring strOtherInstall = strFolder + L"\\other.exe /S /D=";
+    strOtherInstall += strOther;
     for (int i = 0; i < nPairs; ++i)
         for (const ListForm form : { BY_MASKS, BY_RECORDS })
         {
             const std::string strForm = form == BY_MASKS ? "masks" : "records";
             WritePackageList(strPackage + L"\\LumUnInst.log", strPackage, 0, nFiles, form);
             const PAIR installed = TimePair(
-                i, [&] { CProgram(strPackage + L"\\setup.exe -install -s -instdir " + strTarget).WaitForFamily(); },
-                [&] { CProgram(strFolder + L"\\other.exe /S /D=" + strOther).WaitForFamily(); });
+                i, [&] { CProgram(strInstall).WaitForFamily(); }, [&] { CProgram(strOtherInstall).WaitForFamily(); });
             Report(("other-install-" + strForm).c_str(), nFiles, installed.dProgram, installed.dPlain);
             double dProgram = 0;
             double dOther = 0;

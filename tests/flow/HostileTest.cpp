@@ -88,9 +88,9 @@ int s_nDamaged;
 char* Allocate(size_t cb)
 {
     char* const pBlock = static_cast<char*>(malloc(cb + kTail.size()));
+    memset(pBlock + cb, kTail[0], kTail.size());
     s_blocks[pBlock] = cb;
     s_nLive++;
-    memcpy(pBlock + cb, kTail.data(), kTail.size());
     return pBlock;
 }
 
@@ -114,7 +114,8 @@ char* Reallocate(char* pBlock, size_t cb)
         return static_cast<char*>(realloc(pBlock, cb));
     const size_t cbEarlier = pBlock != nullptr ? block->second : 0;
     char* const pNew = Allocate(cb);
-    memcpy(pNew, pBlock, std::min(cb, cbEarlier));
+    if (cbEarlier != 0)
+        memcpy(pNew, pBlock, std::min(cb, cbEarlier));
     Free(pBlock);
     return pNew;
 }

@@ -228,8 +228,8 @@ Make Dir: Lang\english.txt => impossible-name
 Make Dir: a? => impossible-name
 File Copy: Lumacap8.exe > ab:c => impossible-name
 File Del: foo.txt|remark => impossible-name)",
-        L"File Copy: Gr\u00C3\u00BCn.txt => text-format\nFile Copy: Gr\u00FCn.txt => no-match\n"
-        L"File Del: a | Gr\u00C3\u00BCn",
+        (L"File Copy: Gr\u00C3\u00BCn.txt => text-format\nFile Copy: Gr\u00FCn.txt => no-match\n"
+         L"File Del: a | Gr\u00C3\u00BCn"),
         // What an install and a removal make of it
         LR"(Make Dir: B/C => made-too-early
 Make Dir: B

@@ -150,7 +150,7 @@ TEST_F(Mfc, BoxCarriesTheNameAndAnIconAndBelongsToThePopupOfTheMainWindow)
     SetActiveWindow(popup);
     const CCalls calls({ { "MessageBoxW", [&](CALL& call)
                            {
-                               EXPECT_EQ(HWND(call.args[0]), popup);
+                               EXPECT_EQ(call.args[0], HandleToUlong(popup));
                                EXPECT_STREQ(call.Text(1), L"Lumacap 8");
                                EXPECT_STREQ(call.Text(2), L"Lumacap 8");
                                EXPECT_EQ(call.args[3], 0x34u);

@@ -63,7 +63,8 @@ private:
 // For whoever frees it.
 static wchar_t* NewCommandLine(const wchar_t* pszSetup, const CArguments& arguments)
 {
-    const auto pszCommandLine = static_cast<wchar_t*>(LocalAlloc(LPTR, 3 * kMostCharacters * sizeof(wchar_t)));
+    const auto pszCommandLine =
+        static_cast<wchar_t*>(LocalAlloc(LPTR, size_t{ 3 } * kMostCharacters * sizeof(wchar_t)));
     const auto append = [pszCommandLine](const wchar_t* psz) { lstrcatW(pszCommandLine, psz); };
     const wchar_t* pszRest = SkipArgument(GetCommandLineW());
     append(L"\"");
@@ -115,7 +116,7 @@ extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVar
     LocalFree(pszCommandLine);
     if (!bStarted)
         return;
-    wsprintfW(pszVariables, L"%d", AwaitExitCode(process.hProcess));
+    wsprintfW(pszVariables, L"%d", static_cast<int>(AwaitExitCode(process.hProcess)));
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
 }
