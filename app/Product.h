@@ -27,6 +27,7 @@ inline constexpr wchar_t kProductExePath[] = L"\\" PRODUCT_EXE;
 inline constexpr wchar_t kFileListPath[] = L"\\" FILE_LIST_NAME;
 inline constexpr wchar_t kSecondListPath[] = L"\\" SECOND_LIST_NAME;
 inline constexpr wchar_t kUninstallerPath[] = L"\\LumUnInst.exe";
+inline constexpr wchar_t kManualPath[] = L"\\Lumacap8Man.chm";
 
 // What the registration writes and the removal takes away goes by the same names.
 inline constexpr wchar_t kProductKey[] = PRODUCT_KEY;

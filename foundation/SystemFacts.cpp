@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include "app/RunState.h"
+#include "foundation/FolderPaths.h"
 #include "foundation/RegistryValues.h"
 
 namespace
@@ -47,6 +48,19 @@ CString GetSpecialFolder(int nFolder)
                                         strFolder.GetBuffer(MAX_PATH));
     strFolder.ReleaseBuffer();
     return hr >= 0 ? strFolder : ReadShellFolderValue(nFolder);
+}
+
+CString GetProgramFilesFolder()
+{
+    CString strFolder =
+        ReadRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir");
+    if (strFolder.IsEmpty())
+    {
+        GetWindowsDirectoryW(strFolder.GetBuffer(MAX_PATH), MAX_PATH);
+        strFolder.ReleaseBuffer();
+        strFolder = strFolder.Left(strFolder.Find(L'\\') + 1) + L"Program Files";
+    }
+    return CutTrailingBackslash(strFolder);
 }
 
 int IsNT6OrLater()

@@ -13,6 +13,9 @@ inline constexpr wchar_t kShellFoldersKey[] = L"Software\\Microsoft\\Windows\\Cu
 // A shell folder whose path has this many characters or fewer is passed over by whoever looks for links there.
 inline constexpr int kTooShortFolder = 4;
 
+// The folder that programs go to, without a trailing backslash.
+CString GetProgramFilesFolder();
+
 // Non-zero on Windows Vista and later.
 int IsNT6OrLater();
 

@@ -63,7 +63,7 @@ static void CreateProductLink(const CString& strFolder)
 
 static void CreateHelpLink(const CString& strFolder)
 {
-    CreateShellLink(g_strInstDir + L"\\Lumacap8Man.chm",
+    CreateShellLink(g_strInstDir + kManualPath,
                     strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension, L"", SW_SHOWNORMAL, nullptr,
                     nullptr);
 }
