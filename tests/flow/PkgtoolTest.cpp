@@ -14,22 +14,8 @@
 namespace
 {
 
-struct CHECKED
-{
-    DWORD nExitCode;
-    std::wstring strText;
-};
-
-CHECKED Check(const std::wstring& strArguments)
-{
-    CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
-    run.Start();
-    EXPECT_TRUE(run.WaitForFamily()) << Bytes(strArguments);
-    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
-}
-
 // "12 no-match|no-version": the findings by line, if they have one, and name.
-std::string Findings(const CHECKED& checked)
+std::string Findings(const TOLD& checked)
 {
     TEXTS findings;
     for (const std::wstring& strLine : Split(checked.strText, L'\n'))
@@ -111,7 +97,7 @@ protected:
                   L"<user's desktop>|user\\Desktop",
                   L'|');
         static const wchar_t* const kKinds[] = { L"user ", L"all ", L"portable " };
-        const CHECKED checked = Check(L"plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
+        const TOLD checked = RunPkgtool(L"plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
         EXPECT_EQ(checked.nExitCode, 0u);
         std::vector<TEXTS> sections;
         for (std::wstring strLine : Split(checked.strText, L'\n'))
@@ -273,7 +259,7 @@ Make Dir: O\I)",
             strList += strLine.substr(0, nArrow) + L"\r\n";
         }
         WriteBytes(At(L"package\\LumUnInst.log"), strSample + Bytes(strList));
-        const CHECKED checked = Check(L"check " + At(L"package"));
+        const TOLD checked = RunPkgtool(L"check " + At(L"package"));
         EXPECT_EQ(Findings(checked), Bytes(Join(expected))) << Bytes(checked.strText);
     }
 }
@@ -306,7 +292,7 @@ TEST_F(Pkgtool, FindsWhatIsWrongWithAPackage)
         for (const std::wstring& strFile : Split(strFiles, L'|'))
             Make(L"q\\" + strFile);
         WriteBytes(At(L"q\\LumUnInst.log"), pszList);
-        const std::wstring strFindings = Replaced(Wide(Findings(Check(L"check " + At(L"q")))), strLacks, L"");
+        const std::wstring strFindings = Replaced(Wide(Findings(RunPkgtool(L"check " + At(L"q")))), strLacks, L"");
         EXPECT_EQ(Bytes(strFindings), pszFindings) << pszList;
     }
 }
@@ -321,7 +307,7 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
     };
     for (const auto& [strArguments, nExitCode, strBegin] : kCases)
     {
-        const CHECKED checked = Check(strArguments);
+        const TOLD checked = RunPkgtool(strArguments);
         EXPECT_EQ(checked.nExitCode, nExitCode) << Bytes(strArguments);
         EXPECT_EQ(checked.strText.substr(0, strBegin.size()), strBegin);
     }

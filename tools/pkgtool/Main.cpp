@@ -13,11 +13,15 @@
 #include "tools/pkgtool/PackageCheck.h"
 #include "tools/pkgtool/PackageFolder.h"
 #include "tools/pkgtool/PlanText.h"
+#include "tools/pkgtool/VerifyReport.h"
 
 struct Options
 {
     std::string strFolder; // in UTF-8, as CLI11 wants all texts
     std::string strKind;
+    std::string strTarget;
+    bool bRemoved = false;
+    bool bJson = false;
 };
 
 static int CheckFolder(const Options& options)
@@ -49,6 +53,15 @@ static int TellPlan(const Options& options)
     return EXIT_CLEAN;
 }
 
+static int Verify(const Options& options)
+{
+    Package package;
+    if (!ReadPackage(FromUtf8(options.strFolder), package))
+        return EXIT_UNUSABLE;
+    const CString strTarget = CleanFolderArgument(FromUtf8(options.strTarget));
+    return ReportVerification(package, strTarget, options.bRemoved, options.bJson);
+}
+
 // A verb is chosen while the command line is read, and carried out once it has been read to its end.
 class CCommandLine
 {
@@ -67,6 +80,13 @@ public:
             ->required()
             ->check(CLI::IsMember(&kKinds).description(""));
         AddFolder(pPlan);
+        CLI::App* pVerify = AddVerb("verify", Verify,
+                                    "Tells whether an install of the package stands whole. Exit code 0: it does; "
+                                    "1: it differs; 3: it will after a restart.");
+        AddFolder(pVerify);
+        pVerify->add_option("TARGET", m_options.strTarget, "the folder of a portable install");
+        pVerify->add_flag("--removed", m_options.bRemoved, "tell what still stands after a removal");
+        pVerify->add_flag("--json", m_options.bJson, "tell each difference as an object");
     }
 
     // Gives the exit code.

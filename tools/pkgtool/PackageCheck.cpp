@@ -7,12 +7,6 @@
 #include "install/FileVersion.h"
 #include "tools/pkgtool/PlannedRemoval.h"
 
-// The version lands in the program's variables. This program has these alone of them, and no run.
-unsigned int g_nVerMajor;
-unsigned int g_nVerMinor;
-unsigned int g_nVerFix;
-unsigned int g_nVerBuild;
-
 static const wchar_t kTail[] = L" | ";
 
 struct RecordForm
@@ -247,7 +241,7 @@ struct CountedOn
 static const CountedOn kCountedOn[] = {
     { kUninstallerPath, FINDING_UNINSTALLER_MISSING },
     { kProductExePath, FINDING_COUNTED_ON },
-    { L"\\Lumacap8Man.chm", FINDING_COUNTED_ON },
+    { kManualPath, FINDING_COUNTED_ON },
     { L"\\ThumbLcp64.dll", FINDING_COUNTED_ON },
 };
 
