@@ -18,13 +18,11 @@ inline constexpr DifferenceKind kFileContent = { "file-content", L"has the right
 inline constexpr DifferenceKind kFileVersion = { "file-version", L"is of version %1, and the package's file of %2" };
 inline constexpr DifferenceKind kFileUnreadable = { "file-unreadable", L"can't be compared, since one can't be read" };
 inline constexpr DifferenceKind kFileProtected = { "file-protected", L"is %1, and the package's file isn't" };
-inline constexpr DifferenceKind kFileGoes = { "file-goes", L"goes at the next start of the machine, and isn't replaced "
-                                                           L"by the package's file" };
+inline constexpr DifferenceKind kFileGoes = { "file-goes", L"goes at the next start, and the package's doesn't come" };
 inline constexpr DifferenceKind kFileWaits = { "file-waits", L"comes at the next start of the machine", true };
 inline constexpr DifferenceKind kLogCut = { "log-cut", L"is cut: of the %2 bytes of the package's list it has %1" };
 inline constexpr DifferenceKind kLogChanged = { "log-changed", L"isn't the package's list: line %1 differs" };
-inline constexpr DifferenceKind kLogEnd = { "log-end", L"lacks lines behind the package's list, or one of them breaks "
-                                                       L"off: a removal leaves what they should name" };
+inline constexpr DifferenceKind kLogEnd = { "log-end", L"doesn't end as an install leaves it: links may outlive it" };
 inline constexpr DifferenceKind kLinkMissing = { "link-missing", L"is missing: there is no such link" };
 inline constexpr DifferenceKind kLinkElsewhere = { "link-elsewhere", L"leads to %1, and should lead to %2" };
 inline constexpr DifferenceKind kLinkUnlogged = { "link-unlogged", L"is a link that the log doesn't name" };

@@ -4,24 +4,24 @@
 #include <shlobj.h>
 
 #include "app/RunState.h"
+#include "app/StartBindings.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/Owners.h"
 #include "install/EarlierInstallation.h"
-#include "tools/pkgtool/FileTree.h"
 
+// A drive alone stays as it is: with a path it would be its current folder.
 bool FindInstallation(const CString& strFolder)
 {
     g_nInstallKind = strFolder.IsEmpty() ? KIND_ALL_USERS : KIND_PORTABLE;
     g_strInstDir = strFolder.IsEmpty() ? FindInstalledFolder() : strFolder;
+    if (g_nInstallKind == KIND_PORTABLE && !EndsWith(strFolder, L':'))
+    {
+        GetFullPathNameW(strFolder, MAX_PATH, g_strInstDir.GetBuffer(MAX_PATH), nullptr);
+        g_strInstDir.ReleaseBuffer();
+    }
     TakeOverKind();
+    ReadOsVersion(&g_osVersion);
     return !g_strInstDir.IsEmpty();
-}
-
-CString RealPath(const CString& strPlanned)
-{
-    if (StartsWith(strPlanned, kTarget))
-        return g_strInstDir + strPlanned.Mid(static_cast<int>(wcslen(kTarget)));
-    return CutLastPart(g_strInstDir) + strPlanned.Mid(static_cast<int>(wcslen(kBeside)));
 }
 
 CString FindShellFolder(int nFolder)
@@ -52,14 +52,13 @@ bool ReadValue(const RegisteredValue& value, CString& strText)
         DWORD dwNumber;
     } data;
     DWORD cb = sizeof(data);
-    DWORD dwType = REG_NONE;
-    const LSTATUS status =
-        RegGetValueW(value.hRoot, value.pszKey, value.pszName, RRF_RT_ANY | RRF_NOEXPAND, &dwType, &data, &cb);
-    if (dwType != (value.pnNumber != nullptr ? REG_DWORD : REG_SZ))
-        strText.Format(L"of type %lu", dwType);
-    else if (dwType == REG_DWORD)
+    const DWORD dwType = value.pnNumber != nullptr ? RRF_RT_REG_DWORD : RRF_RT_REG_SZ | RRF_NOEXPAND;
+    const LSTATUS status = RegGetValueW(value.hRoot, value.pszKey, value.pszName, dwType, nullptr, &data, &cb);
+    if (status != ERROR_SUCCESS)
+        strText = L"of another kind";
+    else if (value.pnNumber != nullptr)
         strText.Format(L"%lu", data.dwNumber);
     else
-        strText = status == ERROR_SUCCESS ? data.szText : L"too long";
+        strText = data.szText;
     return status != ERROR_FILE_NOT_FOUND;
 }

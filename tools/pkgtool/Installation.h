@@ -6,12 +6,9 @@
 
 #include "install/RegisteredValues.h"
 
-// Sets g_strInstDir and g_nInstallKind to the portable installation in the folder or, without a folder, to the
-// registered one. False if none is registered.
+// Sets g_strInstDir and g_nInstallKind, and g_osVersion beside them, to the portable installation in the folder or,
+// without a folder, to the registered one. False if none is registered.
 bool FindInstallation(const CString& strFolder);
-
-// The path on the machine for one of a plan, at the target or beside it.
-CString RealPath(const CString& strPlanned);
 
 // The path of a shell folder by its CSIDL number; empty if there is none.
 CString FindShellFolder(int nFolder);
@@ -19,5 +16,5 @@ CString FindShellFolder(int nFolder);
 // The path that a link leads to; empty if the file can't be read as a link.
 CString ReadLinkTarget(const wchar_t* pszLink);
 
-// The value as it stands; one of another type has that for a text. False if there is none.
+// The value as it stands; false if there is none.
 bool ReadValue(const RegisteredValue& value, CString& strText);

@@ -2,8 +2,6 @@
 // these alone of them, and no run.
 #include "app/RunState.h"
 
-#include "app/StartBindings.h"
-
 int g_nInstallKind = KIND_ALL_USERS;
 int g_bAutoStart;
 CString g_strInstDir;
@@ -17,12 +15,4 @@ decltype(&AdjustTokenPrivileges) g_pfnAdjustTokenPrivileges;
 decltype(&OpenProcessToken) g_pfnOpenProcessToken;
 decltype(&IsWow64Process) g_pfnIsWow64Process;
 decltype(&IsWow64Process) g_pfnIsWow64ProcessOf;
-
-static RTL_OSVERSIONINFOEXW AskForVersion()
-{
-    RTL_OSVERSIONINFOEXW version;
-    ReadOsVersion(&version);
-    return version;
-}
-
-RTL_OSVERSIONINFOEXW g_osVersion = AskForVersion();
+RTL_OSVERSIONINFOEXW g_osVersion;

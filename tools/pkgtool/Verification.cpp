@@ -1,6 +1,7 @@
 // An installation against its package.
 #include "tools/pkgtool/Verification.h"
 
+#include <io.h>
 #include <shlobj.h>
 
 #include <algorithm>
@@ -18,8 +19,7 @@
 #include "tools/pkgtool/Installation.h"
 #include "tools/pkgtool/Output.h"
 
-template <typename Number>
-static CString NumberText(Number nNumber)
+static CString NumberText(unsigned long long nNumber)
 {
     return std::to_wstring(nNumber).c_str();
 }
@@ -28,52 +28,33 @@ static CString NumberText(Number nNumber)
 static CString VersionText(const wchar_t* pszFile)
 {
     ReadFileVersion(pszFile);
-    return NumberText(g_nVerMajor) + L"." + NumberText(g_nVerMinor) + L"." + NumberText(g_nVerFix) + L"." +
-           NumberText(g_nVerBuild);
+    CString strVersion;
+    strVersion.Format(L"%u.%u.%u.%u", g_nVerMajor, g_nVerMinor, g_nVerFix, g_nVerBuild);
+    return strVersion;
 }
 
-static bool IsFolder(const wchar_t* pszPath)
-{
-    return PathExists(pszPath) && (GetFileAttributesW(pszPath) & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-static unsigned long long SizeOf(const wchar_t* pszFile)
-{
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    GetFileAttributesExW(pszFile, GetFileExInfoStandard, &data);
-    return static_cast<unsigned long long>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
-}
-
-static HANDLE OpenToRead(const wchar_t* pszFile)
-{
-    return CreateFileW(pszFile, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                       OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-}
-
-static const DifferenceKind* CompareContents(const wchar_t* pszFile, const wchar_t* pszSource)
+// Of files that agree in their size.
+static const DifferenceKind* CompareContents(FILE* pFile, FILE* pSource)
 {
     static char blocks[2][0x40000];
-    const CFileOwner file(OpenToRead(pszFile));
-    const CFileOwner source(OpenToRead(pszSource));
-    DWORD cb;
-    DWORD cbSource;
-    do
+    for (size_t cb; (cb = fread(blocks[0], 1, sizeof(blocks[0]), pFile)) > 0;)
     {
-        if (!ReadFile(file, blocks[0], sizeof(blocks[0]), &cb, nullptr) ||
-            !ReadFile(source, blocks[1], sizeof(blocks[1]), &cbSource, nullptr))
-            return &kFileUnreadable;
-        if (cb != cbSource || memcmp(blocks[0], blocks[1], cb) != 0)
+        if (fread(blocks[1], 1, cb, pSource) != cb || memcmp(blocks[0], blocks[1], cb) != 0)
             return &kFileContent;
-    } while (cb > 0);
-    return nullptr;
+    }
+    return ferror(pFile) ? &kFileUnreadable : nullptr;
 }
 
 // Of another version of the product just that is told.
 static Difference CompareFiles(const CString& strFile, const CString& strSource)
 {
-    const unsigned long long cb = SizeOf(strFile);
-    const unsigned long long cbSource = SizeOf(strSource);
-    const DifferenceKind* pKind = cb != cbSource ? &kFileSize : CompareContents(strFile, strSource);
+    const CStreamOwner file(_wfopen(strFile, L"rb"));
+    const CStreamOwner source(_wfopen(strSource, L"rb"));
+    if (!file.IsOpen() || !source.IsOpen())
+        return { &kFileUnreadable, strFile, CString(), CString() };
+    const auto cb = _filelengthi64(_fileno(file));
+    const auto cbSource = _filelengthi64(_fileno(source));
+    const DifferenceKind* pKind = cb != cbSource ? &kFileSize : CompareContents(file, source);
     const bool bProduct = strFile.CompareNoCase(g_strInstDir + kProductExePath) == 0;
     const CString strVersion = pKind != nullptr && bProduct ? VersionText(strFile) : CString();
     if (!strVersion.IsEmpty() && strVersion != VersionText(strSource))
@@ -81,80 +62,79 @@ static Difference CompareFiles(const CString& strFile, const CString& strSource)
     return { pKind, strFile, NumberText(cb), NumberText(cbSource) };
 }
 
-void CVerification::Add(const DifferenceKind& kind, const CString& strPath, const CString& strFound,
-                        const CString& strExpected)
-{
-    m_differences.push_back({ &kind, strPath, strFound, strExpected });
-}
-
-// Without the links, which stand where the log says.
-std::vector<TreeEntry> CVerification::PlanEntries() const
+// By their paths on the machine, and without the links, which stand where the log says.
+static std::vector<TreeEntry> PlanEntries(const Verification& result)
 {
     CFindings findings; // of a check, and not told here
     Plan plan = { static_cast<InstallKind>(g_nInstallKind), {}, {}, findings };
-    PlanInstall(m_package, plan);
+    PlanInstall(result.package, plan);
     std::vector<TreeEntry> entries;
-    for (const TreeEntry& entry : plan.tree.Entries())
+    for (TreeEntry entry : plan.tree.Entries())
     {
-        if (StartsWith(entry.strPath, kTarget) || StartsWith(entry.strPath, kBeside))
+        const bool bTarget = StartsWith(entry.strPath, kTarget);
+        const CString strPlace = bTarget ? g_strInstDir : CutLastPart(g_strInstDir);
+        const bool bFound = bTarget || StartsWith(entry.strPath, kBeside);
+        entry.strPath = strPlace + entry.strPath.Mid(entry.strPath.Find(L'>') + 1);
+        if (bFound)
             entries.push_back(entry);
     }
     return entries;
 }
 
-void CVerification::VerifyEntries()
+// The content of the log has another test.
+static void VerifyContent(Verification& result, const CString& strFile, const CString& strSource, DWORD dwAttributes)
 {
-    const std::vector<TreeEntry> entries = PlanEntries();
-    for (const TreeEntry& entry : entries)
+    const bool bLog = strFile.CompareNoCase(g_strInstDir + kFileListPath) == 0;
+    const Difference difference = bLog ? Difference() : CompareFiles(strFile, strSource);
+    if (difference.pKind != nullptr)
+        result.differences.push_back(difference);
+    for (const auto& [dwBit, pszName] :
+         { std::make_pair(FILE_ATTRIBUTE_READONLY, L"read-only"), std::make_pair(FILE_ATTRIBUTE_HIDDEN, L"hidden") })
     {
-        ShowProgress(&entry - entries.data(), entries.size());
-        if (!entry.bFolder)
-            VerifyFile(entry);
-        else if (!IsFolder(RealPath(entry.strPath)))
-            Add(kFolderMissing, RealPath(entry.strPath));
+        if ((dwAttributes & dwBit) != 0 && (GetFileAttributesW(strSource) & dwBit) == 0)
+            result.Add(kFileProtected, strFile, pszName);
     }
-    ShowProgress(entries.size(), entries.size());
 }
 
 // A replacement that waits is as good as the file, and another one no better than none. Of a library it is enough that
 // the system has it, which is asked without running its code.
-void CVerification::VerifyFile(const TreeEntry& entry)
+static void VerifyFile(Verification& result, const TreeEntry& entry)
 {
-    const CString strFile = RealPath(entry.strPath);
-    const CString strNext = m_pending.ReplacementOf(strFile);
-    const bool bThere = PathExists(strFile) && !IsFolder(strFile);
-    ++m_nFiles;
+    const CString& strFile = entry.strPath;
+    const CString strNext = result.pending.ReplacementOf(strFile);
+    const DWORD dwAttributes = GetFileAttributesW(strFile); // with all bits set if there is nothing
+    const bool bThere = (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    ++result.nChecked;
     if (!strNext.IsEmpty() && CompareFiles(strNext, entry.strSource).pKind == nullptr)
-        Add(kFileWaits, strFile);
-    else if (bThere && (!strNext.IsEmpty() || m_pending.Takes(strFile)))
-        Add(kFileGoes, strFile);
+        result.Add(kFileWaits, strFile);
+    else if (bThere && (!strNext.IsEmpty() || result.pending.Takes(strFile)))
+        result.Add(kFileGoes, strFile);
     else if (bThere)
-        CompareFile(strFile, entry.strSource);
+        VerifyContent(result, strFile, entry.strSource, dwAttributes);
     else if (!entry.bIfLibraryAbsent ||
-             !CLibraryOwner(LoadLibraryExW(entry.strSource.Mid(m_package.strFolder.GetLength() + 1), nullptr,
+             !CLibraryOwner(LoadLibraryExW(entry.strSource.Mid(result.package.strFolder.GetLength() + 1), nullptr,
                                            LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_SEARCH_SYSTEM32))
                   .IsOpen())
-        Add(kFileMissing, strFile);
+        result.Add(kFileMissing, strFile);
 }
 
-void CVerification::CompareFile(const CString& strFile, const CString& strSource)
+static void VerifyEntries(Verification& result)
 {
-    const bool bLog = strFile.CompareNoCase(g_strInstDir + kFileListPath) == 0;
-    const Difference difference = bLog ? Difference() : CompareFiles(strFile, strSource);
-    if (bLog)
-        VerifyLog(strFile);
-    if (difference.pKind != nullptr)
-        m_differences.push_back(difference);
-    const DWORD dwExtra = GetFileAttributesW(strFile) & ~GetFileAttributesW(strSource);
-    if ((dwExtra & FILE_ATTRIBUTE_READONLY) != 0)
-        Add(kFileProtected, strFile, L"read-only");
-    if ((dwExtra & FILE_ATTRIBUTE_HIDDEN) != 0)
-        Add(kFileProtected, strFile, L"hidden");
+    const std::vector<TreeEntry> entries = PlanEntries(result);
+    for (const TreeEntry& entry : entries)
+    {
+        ShowProgress(&entry - entries.data(), entries.size());
+        if (!entry.bFolder)
+            VerifyFile(result, entry);
+        else if (!IsRealFolder(entry.strPath))
+            result.Add(kFolderMissing, entry.strPath);
+    }
+    ShowProgress(entries.size(), entries.size());
 }
 
 // Takes up what an install appends. False for a line that is something else: one with two records has lost a character
 // that the log can't hold, and all behind it to the line's end.
-bool CVerification::NoteLogged(const CString& strLine)
+static bool NoteLogged(Verification& result, const CString& strLine)
 {
     const wchar_t* pszGroup = FindRecordValue(strLine, kMadeDir);
     const wchar_t* pszLink = FindRecordValue(strLine, kShellLink);
@@ -162,35 +142,37 @@ bool CVerification::NoteLogged(const CString& strLine)
     if ((pszGroup == nullptr && !bLink) || strLine.Find(kShellLink, 1) > 0)
         return false;
     if (pszGroup != nullptr)
-        m_strGroup = pszGroup;
+        result.strGroup = pszGroup;
     else
-        m_logged[FoldCase(pszLink)] = pszLink;
+        result.logged[FoldCase(pszLink)] = pszLink;
     return true;
 }
 
-void CVerification::VerifyLog(const CString& strLog)
+static void VerifyLog(Verification& result)
 {
+    const CString strLog = g_strInstDir + kFileListPath;
+    if (!PathExists(strLog))
+        return;
     const std::string strBytes = ReadBytes(strLog);
-    const std::string strList = ReadBytes(m_package.strFolder + kFileListPath);
+    const std::string strList = ReadBytes(result.package.strFolder + kFileListPath);
     CInstallLogReader log(strLog);
     bool bEnd = !strBytes.empty() && strBytes.back() == '\n';
     for (size_t nLine = 0; log.ReadLine(); ++nLine)
     {
-        const bool bAppended = NoteLogged(log.Line()) || *log.Line() <= L' ';
-        bEnd = bEnd && (bAppended || nLine < m_package.list.lines.size());
+        const bool bAppended = NoteLogged(result, log.Line()) || *log.Line() <= L' ';
+        bEnd = bEnd && (bAppended || nLine < result.package.list.lines.size());
     }
 
     const size_t cb = std::min(strBytes.size(), strList.size());
     const auto difference = std::mismatch(strList.begin(), strList.begin() + cb, strBytes.begin()).first;
-    m_bLogWhole = false;
     if (difference != strList.begin() + cb)
-        Add(kLogChanged, strLog, NumberText(std::count(strList.begin(), difference, '\n') + 1));
+        result.Add(kLogChanged, strLog, NumberText(std::count(strList.begin(), difference, '\n') + 1));
     else if (cb < strList.size())
-        Add(kLogCut, strLog, NumberText(cb), NumberText(strList.size()));
-    else if (!bEnd || m_strGroup.IsEmpty() != (g_nInstallKind == KIND_PORTABLE))
-        Add(kLogEnd, strLog);
+        result.Add(kLogCut, strLog, NumberText(cb), NumberText(strList.size()));
+    else if (!bEnd || result.strGroup.IsEmpty() != (g_nInstallKind == KIND_PORTABLE))
+        result.Add(kLogEnd, strLog);
     else
-        m_bLogWhole = true;
+        result.bLogWhole = true;
 }
 
 static CString LinkPath(const CString& strFolder, UINT nName)
@@ -204,27 +186,27 @@ static bool IsLinkOf(const CString& strPath, UINT nName)
     return strPath.Right(strName.GetLength()).CompareNoCase(strName) == 0;
 }
 
-void CVerification::VerifyLink(const CString& strLink)
+static void VerifyLink(Verification& result, const CString& strLink)
 {
     const CString strFound = ReadLinkTarget(strLink);
     const CString strExpected = g_strInstDir + (IsLinkOf(strLink, IDS_HELP_LINK) ? kManualPath : kProductExePath);
-    ++m_nLinks;
+    ++result.nChecked;
     if (!PathExists(strLink))
-        Add(kLinkMissing, strLink);
+        result.Add(kLinkMissing, strLink);
     else if (strFound.CompareNoCase(strExpected) != 0)
-        Add(kLinkElsewhere, strLink, strFound.IsEmpty() ? L"nowhere" : strFound.GetString(), strExpected);
+        result.Add(kLinkElsewhere, strLink, strFound.IsEmpty() ? L"nowhere" : strFound.GetString(), strExpected);
 }
 
 // All that the log names and, as long as it is to be trusted, those of the install's usual links that it doesn't.
-void CVerification::VerifyLinks()
+static void VerifyLinks(Verification& result)
 {
-    for (const auto& [strKey, strLink] : m_logged)
-        VerifyLink(strLink);
+    for (const auto& [strKey, strLink] : result.logged)
+        VerifyLink(result, strLink);
     const bool bAll = g_nInstallKind == KIND_ALL_USERS;
     const CString kUsual[] = {
         // Always made
-        LinkPath(m_strGroup, IDS_PRODUCT_NAME),
-        LinkPath(m_strGroup, IDS_HELP_LINK),
+        LinkPath(result.strGroup, IDS_PRODUCT_NAME),
+        LinkPath(result.strGroup, IDS_HELP_LINK),
         // Made if they are wanted
         LinkPath(FindShellFolder(bAll ? CSIDL_COMMON_DESKTOPDIRECTORY : CSIDL_DESKTOP), IDS_PRODUCT_NAME),
         LinkPath(FindShellFolder(bAll ? CSIDL_COMMON_STARTUP : CSIDL_STARTUP), IDS_PRODUCT_NAME),
@@ -232,8 +214,8 @@ void CVerification::VerifyLinks()
     for (const CString& strLink : kUsual)
     {
         const bool bThere = PathExists(strLink);
-        if (m_bLogWhole && m_logged.count(FoldCase(strLink)) == 0 && (bThere || &strLink < kUsual + 2))
-            Add(bThere ? kLinkUnlogged : kLinkMissing, strLink);
+        if (result.bLogWhole && result.logged.count(FoldCase(strLink)) == 0 && (bThere || &strLink < kUsual + 2))
+            result.Add(bThere ? kLinkUnlogged : kLinkMissing, strLink);
     }
 }
 
@@ -247,40 +229,41 @@ static CString ValueText(const RegisteredValue& value)
     return KeyText(value) + L" : " + (value.pszName != nullptr ? value.pszName : L"(default)");
 }
 
-void CVerification::VerifyValue(const RegisteredValue& value)
+static void VerifyValue(Verification& result, const RegisteredValue& value)
 {
     CString strFound;
     const bool bThere = ReadValue(value, strFound);
     const CString strExpected = value.pnNumber != nullptr ? NumberText(*value.pnNumber) : value.strText;
-    ++m_nValues;
+    ++result.nChecked;
     if (strFound != strExpected)
-        Add(bThere ? kValueChanged : kValueMissing, ValueText(value), strFound, strExpected);
+        result.Add(bThere ? kValueChanged : kValueMissing, ValueText(value), strFound, strExpected);
 }
 
-void CVerification::VerifyInstall(const CString& strFolder)
+void VerifyInstall(Verification& result, const CString& strFolder)
 {
     if (!FindInstallation(strFolder))
-        return Add(kNotRegistered, CString(L"HKLM\\") + kProductKey + L" : Path");
-    if (!IsFolder(g_strInstDir))
-        return Add(kFolderMissing, g_strInstDir);
-    VerifyEntries();
+        return result.Add(kNotRegistered, CString(L"HKLM\\") + kProductKey + L" : Path");
+    if (!IsRealFolder(g_strInstDir))
+        return result.Add(kFolderMissing, g_strInstDir);
+    VerifyEntries(result);
+    VerifyLog(result);
     if (g_nInstallKind == KIND_PORTABLE)
         return;
-    VerifyLinks();
-    VersionText(m_package.strFolder + kProductExePath);
+    VerifyLinks(result);
+    VersionText(result.package.strFolder + kProductExePath);
     ForEachRegisteredValue([](const RegisteredValue& value, LPARAM lParam)
-                           { reinterpret_cast<CVerification*>(lParam)->VerifyValue(value); },
-                           reinterpret_cast<LPARAM>(this));
+                           { VerifyValue(*reinterpret_cast<Verification*>(lParam), value); },
+                           reinterpret_cast<LPARAM>(&result));
 }
 
-void CVerification::AddIfLeft(const DifferenceKind& kind, const CString& strPath)
+static void AddIfLeft(Verification& result, const DifferenceKind& kind, const CString& strPath)
 {
-    if (PathExists(strPath) && m_left.insert(FoldCase(strPath)).second)
-        Add(m_pending.Takes(strPath) ? kLeftWaits : kind, strPath);
+    if (PathExists(strPath) && result.left.insert(FoldCase(strPath)).second)
+        result.Add(result.pending.Takes(strPath) ? kLeftWaits : kind, strPath);
 }
 
 // The log is gone, and with it the name of the group, which may be anywhere in the menu.
-void CVerification::FindLeftLinks(const CString& strFolder, bool bMenu)
+static void FindLeftLinks(Verification& result, const CString& strFolder, bool bMenu)
 {
     WIN32_FIND_DATAW found;
     const CFindOwner find(FindFirstFileW(strFolder + L"\\*", &found));
@@ -289,48 +272,48 @@ void CVerification::FindLeftLinks(const CString& strFolder, bool bMenu)
         const CString strPath = strFolder + L"\\" + found.cFileName;
         const DWORD dwOwnFolder = found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT);
         if (IsLinkOf(strPath, IDS_PRODUCT_NAME) || IsLinkOf(strPath, IDS_HELP_LINK))
-            AddIfLeft(kLinkLeft, strPath);
+            AddIfLeft(result, kLinkLeft, strPath);
         if (!bMenu || dwOwnFolder != FILE_ATTRIBUTE_DIRECTORY || IsDotName(found.cFileName))
             continue;
         if (_wcsicmp(found.cFileName, kProductName) == 0)
-            AddIfLeft(kFolderLeft, strPath);
-        FindLeftLinks(strPath, true);
+            AddIfLeft(result, kFolderLeft, strPath);
+        FindLeftLinks(result, strPath, true);
     }
 }
 
 // A key of the product's own stands for its values; that of the registered applications is the system's.
-void CVerification::FindLeftValue(const RegisteredValue& value)
+static void FindLeftValue(Verification& result, const RegisteredValue& value)
 {
     CString strText;
     CKeyOwner key;
-    ++m_nValues;
+    ++result.nChecked;
     if (wcscmp(value.pszKey, kRegisteredApplicationsKey) != 0)
     {
         if (RegOpenKeyExW(value.hRoot, value.pszKey, 0, KEY_READ, key.Receive()) == ERROR_SUCCESS &&
-            m_left.insert(KeyText(value)).second)
-            Add(kKeyLeft, KeyText(value));
+            result.left.insert(KeyText(value)).second)
+            result.Add(kKeyLeft, KeyText(value));
     }
     else if (ReadValue(value, strText))
-        Add(kValueLeft, ValueText(value), strText);
+        result.Add(kValueLeft, ValueText(value), strText);
 }
 
-void CVerification::VerifyRemoval(const CString& strFolder)
+void VerifyRemoval(Verification& result, const CString& strFolder)
 {
     if (!FindInstallation(strFolder))
         g_strInstDir = GetProgramFilesFolder() + L"\\" + kProductName;
-    for (const TreeEntry& entry : PlanEntries())
+    for (const TreeEntry& entry : PlanEntries(result))
     {
-        m_nFiles += !entry.bFolder;
-        AddIfLeft(entry.bFolder ? kFolderLeft : kFileLeft, RealPath(entry.strPath));
+        result.nChecked += !entry.bFolder;
+        AddIfLeft(result, entry.bFolder ? kFolderLeft : kFileLeft, entry.strPath);
     }
     const CString strRegistered = FindInstalledFolder();
     if (!strRegistered.IsEmpty() && strRegistered.CompareNoCase(g_strInstDir) != 0)
         return;
     for (const int nFolder : { CSIDL_COMMON_PROGRAMS, CSIDL_PROGRAMS, CSIDL_COMMON_STARTUP, CSIDL_STARTUP })
-        FindLeftLinks(FindShellFolder(nFolder), true);
+        FindLeftLinks(result, FindShellFolder(nFolder), true);
     for (const int nFolder : { CSIDL_COMMON_DESKTOPDIRECTORY, CSIDL_DESKTOP })
-        FindLeftLinks(FindShellFolder(nFolder), false);
+        FindLeftLinks(result, FindShellFolder(nFolder), false);
     ForEachRegisteredValue([](const RegisteredValue& value, LPARAM lParam)
-                           { reinterpret_cast<CVerification*>(lParam)->FindLeftValue(value); },
-                           reinterpret_cast<LPARAM>(this));
+                           { FindLeftValue(*reinterpret_cast<Verification*>(lParam), value); },
+                           reinterpret_cast<LPARAM>(&result));
 }

@@ -37,31 +37,27 @@ static void PrintAsText(const Difference& difference)
 
 int ReportVerification(const Package& package, const CString& strFolder, bool bRemoved, bool bJson)
 {
-    CVerification verification(package);
-    bRemoved ? verification.VerifyRemoval(strFolder) : verification.VerifyInstall(strFolder);
+    Verification result = { package };
+    (bRemoved ? VerifyRemoval : VerifyInstall)(result, strFolder);
     int nWaiting = 0;
-    for (const Difference& difference : verification.m_differences)
+    for (const Difference& difference : result.differences)
     {
         nWaiting += difference.pKind->bWaits;
-        bJson ? PrintAsJson(difference) : PrintAsText(difference);
+        (bJson ? PrintAsJson : PrintAsText)(difference);
     }
-    const int nDifferences = static_cast<int>(verification.m_differences.size()) - nWaiting;
+    const int nDifferences = static_cast<int>(result.differences.size()) - nWaiting;
     const ExitCode nCode = nDifferences > 0 ? EXIT_FINDINGS : nWaiting > 0 ? EXIT_WAITING : EXIT_CLEAN;
     const wchar_t* pszResult = (bRemoved ? kRemovalResults : kInstallResults)[nCode];
     CString strSum;
-    strSum.Format(L"%s: %s; differences: %d; waiting for the next start of the machine: %d; looked at: %d files, "
-                  L"%d links, %d registry values",
-                  g_strInstDir.GetString(), pszResult, nDifferences, nWaiting, verification.m_nFiles,
-                  verification.m_nLinks, verification.m_nValues);
+    strSum.Format(L"%s; differences: %d; waiting for the next start of the machine: %d; checked: %d; folder: %s",
+                  pszResult, nDifferences, nWaiting, result.nChecked, g_strInstDir.GetString());
     if (bJson)
         PrintJson({ { "kind", "summary" },
                     { "path", ToUtf8(g_strInstDir) },
                     { "result", ToUtf8(pszResult) },
                     { "differences", nDifferences },
                     { "waiting", nWaiting },
-                    { "files", verification.m_nFiles },
-                    { "links", verification.m_nLinks },
-                    { "values", verification.m_nValues } });
+                    { "checked", result.nChecked } });
     else
         PrintLine(stdout, strSum);
     return nCode;
