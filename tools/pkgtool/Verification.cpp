@@ -21,7 +21,7 @@
 
 static CString NumberText(unsigned long long nNumber)
 {
-    return std::to_wstring(nNumber).c_str();
+    return CString(std::to_wstring(nNumber).c_str());
 }
 
 // Leaves the version in the run state.
