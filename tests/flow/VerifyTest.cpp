@@ -25,9 +25,10 @@ protected:
     {
         World::SetUp();
         PutPackage();
-        Make(L"package\\page.url", "0123456789");
+        Make(L"package\\page.url|package\\version.dll", "0123456789");
         WriteBytes(At(L"package\\LumUnInst.log"),
-                   ReadBytes(At(L"package\\LumUnInst.log")) + "File Copy: page.url\nMake Dir: Empty");
+                   ReadBytes(At(L"package\\LumUnInst.log")) +
+                       "File Copy: page.url\nMake Dir: Empty\nFile Copy ind: version.dll");
     }
 
     void Install(const std::wstring& strArguments = L"-instdir C:\\corner\\T") const
@@ -60,7 +61,7 @@ TEST_F(Verify, InstallIsWholeAndNothingChangesByLooking)
     Install(L"-autostart");
     const TEXTS picture = TakePicture();
     EXPECT_EQ(RunPkgtool(L"verify C:\\corner\\package").strText,
-              L"whole; differences: 0; waiting for the next start of the machine: 0; checked: 57; folder: "
+              L"whole; differences: 0; waiting for the next start of the machine: 0; checked: 58; folder: "
               L"C:\\corner\\Program Files\\Lumacap 8\n");
     EXPECT_EQ(Told(), L"0");
     EXPECT_EQ(Told(L"--removed E:\\elsewhere"), L"0");
@@ -81,6 +82,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 10" },
         { [&] { Make(L"T\\page.url", "012345678!"); }, L"T\\page.url has the right size, and another content" },
         { [&] { RemoveTree(strPage); }, L"T\\page.url is missing" },
+        { [&] { RemoveTree(At(L"T\\lcxshare.dll")); }, L"T\\lcxshare.dll is missing" },
         { [&] { hold = HoldFile(strPage, 0); }, L"T\\page.url can't be compared, since one can't be read" },
         { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN); },
           L"T\\page.url is hidden, and the package's file isn't" },

@@ -229,8 +229,9 @@ static CString ValueText(const RegisteredValue& value)
     return KeyText(value) + L" : " + (value.pszName != nullptr ? value.pszName : L"(default)");
 }
 
-static void VerifyValue(Verification& result, const RegisteredValue& value)
+static void VerifyValue(const RegisteredValue& value, LPARAM lParam)
 {
+    Verification& result = *reinterpret_cast<Verification*>(lParam);
     CString strFound;
     const bool bThere = ReadValue(value, strFound);
     const CString strExpected = value.pnNumber != nullptr ? NumberText(*value.pnNumber) : value.strText;
@@ -251,9 +252,7 @@ void VerifyInstall(Verification& result, const CString& strFolder)
         return;
     VerifyLinks(result);
     VersionText(result.package.strFolder + kProductExePath);
-    ForEachRegisteredValue([](const RegisteredValue& value, LPARAM lParam)
-                           { VerifyValue(*reinterpret_cast<Verification*>(lParam), value); },
-                           reinterpret_cast<LPARAM>(&result));
+    ForEachRegisteredValue(VerifyValue, reinterpret_cast<LPARAM>(&result));
 }
 
 static void AddIfLeft(Verification& result, const DifferenceKind& kind, const CString& strPath)
@@ -282,8 +281,9 @@ static void FindLeftLinks(Verification& result, const CString& strFolder, bool b
 }
 
 // A key of the product's own stands for its values; that of the registered applications is the system's.
-static void FindLeftValue(Verification& result, const RegisteredValue& value)
+static void FindLeftValue(const RegisteredValue& value, LPARAM lParam)
 {
+    Verification& result = *reinterpret_cast<Verification*>(lParam);
     CString strText;
     CKeyOwner key;
     ++result.nChecked;
@@ -313,7 +313,5 @@ void VerifyRemoval(Verification& result, const CString& strFolder)
         FindLeftLinks(result, FindShellFolder(nFolder), true);
     for (const int nFolder : { CSIDL_COMMON_DESKTOPDIRECTORY, CSIDL_DESKTOP })
         FindLeftLinks(result, FindShellFolder(nFolder), false);
-    ForEachRegisteredValue([](const RegisteredValue& value, LPARAM lParam)
-                           { FindLeftValue(*reinterpret_cast<Verification*>(lParam), value); },
-                           reinterpret_cast<LPARAM>(&result));
+    ForEachRegisteredValue(FindLeftValue, reinterpret_cast<LPARAM>(&result));
 }
