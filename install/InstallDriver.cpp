@@ -63,9 +63,8 @@ static void CreateProductLink(const CString& strFolder)
 
 static void CreateHelpLink(const CString& strFolder)
 {
-    CreateShellLink(g_strInstDir + kManualPath,
-                    strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension, L"", SW_SHOWNORMAL, nullptr,
-                    nullptr);
+    CreateShellLink(g_strInstDir + kManualPath, strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension, L"",
+                    SW_SHOWNORMAL, nullptr, nullptr);
 }
 
 // Only the deepest folder of a nested group is recorded, and whether it could be made or not: a removal climbs from

@@ -186,10 +186,11 @@ TEST_F(Verify, RemovalLeavesNothing)
     }
     EXPECT_EQ(Told(L"--removed"), L"0");
 
-    Make(L"T\\page.url|user\\Programs\\Any\\Lumacap 8.lnk");
+    Make(L"T\\page.url|user\\Programs\\Any\\Group\\Lumacap 8.lnk");
     MoveFileExW(At(L"T").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
-    EXPECT_EQ(Told(L"--removed C:\\corner\\T"), L"1\nT is a folder that still stands\nT\\page.url still stands\n"
-                                                L"user\\Programs\\Any\\Lumacap 8.lnk is a link that still stands");
+    EXPECT_EQ(Told(L"--removed C:\\corner\\T"),
+              L"1\nT is a folder that still stands\nT\\page.url still stands\n"
+              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands");
     MoveFileExW(At(L"T\\page.url").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
     RemoveTree(At(L"user\\Programs\\Any"));
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"), L"3\nT stands until the next start of the machine\n"
