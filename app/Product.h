@@ -40,6 +40,7 @@ inline constexpr wchar_t kProductLinkPath[] = L"\\" PRODUCT_NAME LINK_EXTENSION;
 inline constexpr wchar_t kHomePageFilePath[] = L"\\HomePage.url";
 inline constexpr wchar_t kVersion5ExePath[] = L"\\Lumacap5.exe";
 inline constexpr wchar_t kVersion6ExePath[] = L"\\Lumacap6.exe";
+inline constexpr wchar_t kManualPath[] = L"\\Lumacap8Man.chm";
 
 // What the registration writes and the removal takes away goes by the same names.
 inline constexpr wchar_t kProductKey[] = PRODUCT_KEY;

@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include "app/RunState.h"
+#include "foundation/FolderPaths.h"
 #include "foundation/RegistryValues.h"
 
 namespace
@@ -62,6 +63,19 @@ CString GetModulePath()
     GetModuleFileNameW(nullptr, strPath.GetBuffer(MAX_PATH), MAX_PATH);
     strPath.ReleaseBuffer();
     return strPath;
+}
+
+CString GetProgramFilesFolder()
+{
+    CString strFolder =
+        ReadRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir");
+    if (strFolder.IsEmpty())
+    {
+        GetWindowsDirectoryW(strFolder.GetBuffer(MAX_PATH), MAX_PATH);
+        strFolder.ReleaseBuffer();
+        strFolder = strFolder.Left(strFolder.Find(L'\\') + 1) + L"Program Files";
+    }
+    return CutTrailingBackslash(strFolder);
 }
 
 int IsNT6OrLater()

@@ -16,6 +16,9 @@ bool IsFolderPath(const CString& strFolder);
 // The full path of the running executable, at most 259 characters.
 CString GetModulePath();
 
+// The folder that programs go to, without a trailing backslash.
+CString GetProgramFilesFolder();
+
 // Non-zero on Windows Vista and later.
 int IsNT6OrLater();
 

@@ -8,7 +8,6 @@
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
 #include "foundation/ProcessLaunch.h"
-#include "foundation/RegistryValues.h"
 #include "foundation/StringTable.h"
 #include "foundation/SystemFacts.h"
 #include "install/EarlierInstallation.h"
@@ -22,19 +21,6 @@ static CString GetModuleFolder()
 {
     const CString strPath = GetModulePath();
     return strPath.Left(strPath.ReverseFind(L'\\'));
-}
-
-static CString GetProgramFilesFolder()
-{
-    CString strFolder =
-        ReadRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir");
-    if (strFolder.IsEmpty())
-    {
-        GetWindowsDirectoryW(strFolder.GetBuffer(MAX_PATH), MAX_PATH);
-        strFolder.ReleaseBuffer();
-        strFolder = strFolder.Left(strFolder.Find(L'\\') + 1) + L"Program Files";
-    }
-    return CutTrailingBackslash(strFolder);
 }
 
 static void ChooseTarget()

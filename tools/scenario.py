@@ -34,7 +34,8 @@ HKCU\ is HKU\S-1-5-21-0-0-0-1000\
 <boot copy> is <user>\Temp\uni*.tmp
 AllUsers = <kind> is AllUsers = B
 > setup is > run <package>\setup.exe
-> uninstall is > run "<target>\LumUnInst.exe"'''
+> uninstall is > run "<target>\LumUnInst.exe"
+> pkgtool is > run <build>\pkgtool.exe'''
 CURRENT_USER = r'''
 <programs> is <user>\AppData\Roaming\Microsoft\Windows\Start Menu\Programs
 <desktop> is <user>\Desktop

@@ -3,18 +3,15 @@
 #include "app/RunState.h"
 #include "foundation/ProcessStop.h"
 
-static const wchar_t kProfileName[] = L"WININIT.INI"; // in the Windows folder
-static const wchar_t kProfileSection[] = L"rename";
 static const wchar_t kDeletionKey[] = L"NUL=";
-static constexpr DWORD kSectionCapacity = 16384; // characters, the terminators included
 
 // Adds a deletion behind the entries of the profile section. Returns what WritePrivateProfileSectionW gave. A section
 // that would be too long ends the process.
 static BOOL AddProfileDeletion(const wchar_t* pszPath)
 {
-    wchar_t szSection[kSectionCapacity];
+    wchar_t szSection[kBootSectionCapacity];
     szSection[0] = 0;
-    const DWORD cch = GetPrivateProfileSectionW(kProfileSection, szSection, _countof(szSection), kProfileName);
+    const DWORD cch = GetPrivateProfileSectionW(kBootSection, szSection, _countof(szSection), kBootProfile);
 
     const size_t cchKey = wcslen(kDeletionKey);
     const size_t cchPath = wcslen(pszPath);
@@ -24,7 +21,7 @@ static BOOL AddProfileDeletion(const wchar_t* pszPath)
     wmemcpy(szSection + cch, kDeletionKey, cchKey);
     wmemcpy(szSection + cch + cchKey, pszPath, cchPath + 1);
     szSection[nEnd] = 0;
-    return WritePrivateProfileSectionW(kProfileSection, szSection, kProfileName);
+    return WritePrivateProfileSectionW(kBootSection, szSection, kBootProfile);
 }
 
 void DeleteAtReboot(const wchar_t* pszPath)

@@ -14,22 +14,8 @@
 namespace
 {
 
-struct CHECKED
-{
-    DWORD nExitCode;
-    std::wstring strText;
-};
-
-CHECKED Check(const std::wstring& strArguments)
-{
-    CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
-    run.Start();
-    EXPECT_TRUE(run.WaitForFamily()) << Bytes(strArguments);
-    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
-}
-
 // "12 no-match|no-version": the findings by line, if they have one, and name.
-std::string Findings(const CHECKED& checked)
+std::string Findings(const TOLD& checked)
 {
     TEXTS findings;
     for (const std::wstring& strLine : Split(checked.strText, L'\n'))
@@ -111,7 +97,7 @@ protected:
                   L"<user's desktop>|user\\Desktop",
                   L'|');
         static const wchar_t* const kKinds[] = { L"user ", L"all ", L"portable " };
-        const CHECKED checked = Check(L"plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
+        const TOLD checked = RunPkgtool(L"plan " + std::wstring(kKinds[nSeed % 3]) + Place(nSeed) + L"\\package");
         EXPECT_EQ(checked.nExitCode, 0u);
         std::vector<TEXTS> sections;
         for (std::wstring strLine : Split(checked.strText, L'\n'))
@@ -273,7 +259,7 @@ Make Dir: O\I)",
             strList += strLine.substr(0, nArrow) + L"\r\n";
         }
         WriteBytes(At(L"package\\LumUnInst.log"), strSample + Bytes(strList));
-        const CHECKED checked = Check(L"check " + At(L"package"));
+        const TOLD checked = RunPkgtool(L"check " + At(L"package"));
         EXPECT_EQ(Findings(checked), Bytes(Join(expected))) << Bytes(checked.strText);
     }
 }
@@ -306,7 +292,7 @@ TEST_F(Pkgtool, FindsWhatIsWrongWithAPackage)
         for (const std::wstring& strFile : Split(strFiles, L'|'))
             Make(L"q\\" + strFile);
         WriteBytes(At(L"q\\LumUnInst.log"), pszList);
-        const std::wstring strFindings = Replaced(Wide(Findings(Check(L"check " + At(L"q")))), strLacks, L"");
+        const std::wstring strFindings = Replaced(Wide(Findings(RunPkgtool(L"check " + At(L"q")))), strLacks, L"");
         EXPECT_EQ(Bytes(strFindings), pszFindings) << pszList;
     }
 }
@@ -325,8 +311,8 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
                                              L'|'))
         Make(strPackage + strPath, Bytes(strPath));
     const std::wstring strList = At(strPackage + L"LumUnInst.log");
-    EXPECT_EQ(Check(L"list " + At(strPackage)).strText, L"10 files and 5 folders in " + strList + L"\n");
-    EXPECT_EQ(Check(L"check " + At(strPackage)).strText, L"0 findings\n");
+    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).strText, L"10 files and 5 folders in " + strList + L"\n");
+    EXPECT_EQ(RunPkgtool(L"check " + At(strPackage)).strText, L"0 findings\n");
     m_before[0] = ListTree(Place(0));
     Install(0);
     EXPECT_EQ(
@@ -339,14 +325,14 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     // What only a person decides is kept, and not said twice; what can't be said is told, and nothing written.
     const std::string strKept = "File Copy ind: Sub\\c\r\nFile Del: old.txt | of version 7\r\n";
     WriteBytes(strList, "A remark\r\nFile Copy: gone\r\n" + strKept);
-    EXPECT_EQ(Check(L"list " + At(strPackage)).nExitCode, 2u);
-    EXPECT_EQ(Check(L"list --force " + At(strPackage)).nExitCode, 0u);
+    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).nExitCode, 2u);
+    EXPECT_EQ(RunPkgtool(L"list --force " + At(strPackage)).nExitCode, 0u);
     const std::string strAnew = ReadBytes(strList);
     EXPECT_EQ(strAnew.substr(strAnew.size() - strKept.size()), strKept);
     EXPECT_EQ(strAnew.find("Sub\\c"), strAnew.rfind("Sub\\c"));
     EXPECT_EQ(strAnew.find("gone"), std::string::npos);
     Make(strPackage + L"install.log|" + strPackage + L"\x416");
-    const CHECKED refused = Check(L"list --force " + At(strPackage));
+    const TOLD refused = RunPkgtool(L"list --force " + At(strPackage));
     EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n"
                                L"\xD0\x96: can't be said in a list: its name goes beyond Latin-1\n");
     EXPECT_EQ(refused.nExitCode, 1u);
@@ -363,7 +349,7 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
     };
     for (const auto& [strArguments, nExitCode, strBegin] : kCases)
     {
-        const CHECKED checked = Check(strArguments);
+        const TOLD checked = RunPkgtool(strArguments);
         EXPECT_EQ(checked.nExitCode, nExitCode) << Bytes(strArguments);
         EXPECT_EQ(checked.strText.substr(0, strBegin.size()), strBegin);
     }

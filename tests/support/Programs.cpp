@@ -130,6 +130,15 @@ DWORD RunToEnd(const std::wstring& strCommandLine)
     return run.ExitCode();
 }
 
+TOLD RunPkgtool(const std::wstring& strArguments)
+{
+    CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
+    run.Start();
+    if (!run.WaitForFamily())
+        Fail("pkgtool " + Bytes(strArguments) + ": it takes too long");
+    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
+}
+
 static const wchar_t kSwitch[] = L"--as";
 
 static std::map<std::wstring, int (*)()>& Roles() // filled while the global objects come into being, in any order

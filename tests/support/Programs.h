@@ -52,6 +52,15 @@ private:
 // Runs a program to the end of its whole family; fails the test if that takes too long. Gives its exit code.
 DWORD RunToEnd(const std::wstring& strCommandLine);
 
+struct TOLD
+{
+    DWORD nExitCode;
+    std::wstring strText; // with plain line ends
+};
+
+// Runs the tool for packages.
+TOLD RunPkgtool(const std::wstring& strArguments);
+
 // Parts of the test program that need a process of their own: `setup_tests.exe --as NAME` runs that part in the place
 // of the tests, in the state that a program has just after its start.
 class CChildRole

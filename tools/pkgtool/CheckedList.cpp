@@ -1,7 +1,6 @@
 // A package's list as the engine reads it. The engine's own reader gives the lines; the bytes tell where they stand.
 #include "tools/pkgtool/CheckedList.h"
 
-#include <string>
 #include <afx.h>
 
 #include "foundation/InstallLog.h"
@@ -9,7 +8,7 @@
 
 static constexpr char kEndMark = 0x1A; // ends what the runtime reads of a text
 
-static std::string ReadBytes(const wchar_t* pszPath)
+std::string ReadBytes(const wchar_t* pszPath)
 {
     std::string strBytes;
     const CStreamOwner file(_wfopen(pszPath, L"rb"));

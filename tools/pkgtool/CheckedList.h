@@ -4,6 +4,7 @@
 
 #include <afx.h>
 
+#include <string>
 #include <vector>
 
 struct ListLine
@@ -22,6 +23,9 @@ struct CheckedList
     int nEndMarkLine = 0;      // where a Ctrl-Z ends the reading; 0 if none does
     std::vector<ListLine> lines;
 };
+
+// The bytes of a file; none if it can't be read.
+std::string ReadBytes(const wchar_t* pszPath);
 
 // A list that can't be opened is not readable and has no lines.
 CheckedList ReadCheckedList(const wchar_t* pszList);

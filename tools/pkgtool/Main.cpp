@@ -14,12 +14,16 @@
 #include "tools/pkgtool/PackageCheck.h"
 #include "tools/pkgtool/PackageFolder.h"
 #include "tools/pkgtool/PlanText.h"
+#include "tools/pkgtool/VerifyReport.h"
 
 struct Options
 {
     std::string strFolder; // in UTF-8, as CLI11 wants all texts
     std::string strKind;
     bool bForce = false;
+    std::string strTarget;
+    bool bRemoved = false;
+    bool bJson = false;
 };
 
 static int CheckFolder(const Options& options)
@@ -56,6 +60,15 @@ static int ListFolder(const Options& options)
     return WriteFolderList(FromUtf8(options.strFolder), options.bForce);
 }
 
+static int Verify(const Options& options)
+{
+    Package package;
+    if (!ReadPackage(FromUtf8(options.strFolder), package))
+        return EXIT_UNUSABLE;
+    const CString strTarget = CleanFolderArgument(FromUtf8(options.strTarget));
+    return ReportVerification(package, strTarget, options.bRemoved, options.bJson);
+}
+
 // A verb is chosen while the command line is read, and carried out once it has been read to its end.
 class CCommandLine
 {
@@ -79,6 +92,13 @@ public:
         pList->add_flag("--force", m_options.bForce,
                         "write it over a list that stands, and keep its records File Copy ind, File Copy prt, "
                         "File Overwrite and File Del");
+        CLI::App* pVerify = AddVerb("verify", Verify,
+                                    "Tells whether an install of the package stands whole. Exit code 0: it does; "
+                                    "1: it differs; 3: it will after a restart.");
+        AddFolder(pVerify);
+        pVerify->add_option("TARGET", m_options.strTarget, "the folder of a portable install");
+        pVerify->add_flag("--removed", m_options.bRemoved, "tell what still stands after a removal");
+        pVerify->add_flag("--json", m_options.bJson, "tell each difference as an object");
     }
 
     // Gives the exit code.

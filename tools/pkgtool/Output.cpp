@@ -36,3 +36,16 @@ void PrintLine(FILE* pStream, const wchar_t* pszText)
     const std::string strBytes = ToUtf8(strLine);
     fwrite(strBytes.data(), 1, strBytes.size(), pStream);
 }
+
+void ShowProgress(size_t nDone, size_t nAll)
+{
+    const HANDLE hError = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD dwMode;
+    DWORD cchWritten;
+    if ((nDone % 64 != 0 && nDone != nAll) || !GetConsoleMode(hError, &dwMode))
+        return;
+    CString strLine;
+    const std::wstring strText = std::to_wstring(nDone) + L" of " + std::to_wstring(nAll);
+    strLine.Format(L"\r%-30s\r", nDone < nAll ? strText.c_str() : L"");
+    WriteConsoleW(hError, strLine, static_cast<DWORD>(strLine.GetLength()), &cchWritten, nullptr);
+}

@@ -9,12 +9,6 @@
 #include "install/FileVersion.h"
 #include "tools/pkgtool/PlannedRemoval.h"
 
-// The version lands in the program's variables. This program has these alone of them, and no run.
-unsigned int g_nVerMajor;
-unsigned int g_nVerMinor;
-unsigned int g_nVerFix;
-unsigned int g_nVerBuild;
-
 static const wchar_t kTail[] = L" | ";
 
 namespace

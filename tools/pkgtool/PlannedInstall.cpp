@@ -46,7 +46,7 @@ struct PlannedAction
 };
 } // namespace
 
-static bool IsRealFolder(const wchar_t* pszPath)
+bool IsRealFolder(const wchar_t* pszPath)
 {
     const DWORD dwAttributes = GetFileAttributesW(pszPath);
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -113,11 +113,12 @@ static bool IsPortableBuild(const RecordCopy& copy, const TreeEntry& earlier)
 // A file that landed under the name before, but not of the same source. A folder is no source, and reported as such.
 static void ReportOverwritten(const RecordCopy& copy, const CString& strSource, const CString& strTarget)
 {
-    const TreeEntry* pEarlier = IsRealFolder(strSource) ? nullptr : copy.plan.tree.Find(strTarget);
-    if (pEarlier != nullptr && pEarlier->bFolder)
+    const TreeEntry* pEarlier = copy.plan.tree.Find(strTarget);
+    if (pEarlier == nullptr || IsRealFolder(strSource))
+        return;
+    if (pEarlier->bFolder)
         copy.Report(FINDING_TARGET_IS_FOLDER, WithoutPlace(pEarlier->strPath));
-    else if (pEarlier != nullptr && FoldPath(pEarlier->strSource) != FoldPath(strSource) &&
-             !IsPortableBuild(copy, *pEarlier))
+    else if (FoldPath(pEarlier->strSource) != FoldPath(strSource) && !IsPortableBuild(copy, *pEarlier))
         copy.Report(FINDING_WRITTEN_TWICE, pEarlier->strSource.Mid(copy.package.strFolder.GetLength() + 1));
 }
 

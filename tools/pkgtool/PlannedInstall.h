@@ -14,6 +14,9 @@
 const wchar_t* ProgramsPlace(InstallKind nKind);
 const wchar_t* DesktopPlace(InstallKind nKind);
 
+// True for a folder of the disk.
+bool IsRealFolder(const wchar_t* pszPath);
+
 struct Package
 {
     CString strFolder;

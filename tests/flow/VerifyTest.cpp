@@ -1,0 +1,196 @@
+// What is told of an installation and of its removal, against installs and removals by the engine in this process, and
+// against every kind of damage. What they start is left out.
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "install/InstallRun.h"
+#include "tests/support/Calls.h"
+#include "tests/support/Programs.h"
+#include "tests/support/World.h"
+#include "uninstall/UninstallDriver.h"
+
+namespace
+{
+
+const std::wstring kAppPath = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe";
+const std::wstring kEntry = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8";
+
+class Verify : public World
+{
+protected:
+    void SetUp() override
+    {
+        World::SetUp();
+        PutPackage();
+        Make(L"package\\page.url|package\\version.dll", "0123456789");
+        WriteBytes(At(L"package\\LumUnInst.log"),
+                   ReadBytes(At(L"package\\LumUnInst.log")) +
+                       "File Copy: page.url\nMake Dir: Empty\nFile Copy ind: version.dll");
+    }
+
+    void Install(const std::wstring& strArguments = L"-instdir C:\\corner\\T") const
+    {
+        ResetProgramState();
+        const CArguments arguments(Split(L"C:\\corner\\package\\setup.exe -s " + strArguments, L' '));
+        const CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } } });
+        EXPECT_EQ(RunToExit(RunInstall), 0);
+        SetCurrentDirectoryW(L"C:\\");
+    }
+
+    // The exit code and what comes before the sum, line by line, with paths relative to the corner.
+    std::wstring Told(const std::wstring& strArguments = L"") const
+    {
+        const TOLD told = RunPkgtool(L"verify C:\\corner\\package " + strArguments);
+        const std::wstring strLines = std::to_wstring(told.nExitCode) + L"\n" + told.strText;
+        return Replaced(strLines.substr(0, strLines.rfind(L'\n', strLines.size() - 2)), L"C:\\corner\\", L"");
+    }
+
+    void Edit(const std::wstring& strFile, const std::wstring& strFrom, const std::wstring& strTo) const
+    {
+        WriteBytes(At(strFile), Bytes(Replaced(Wide(ReadBytes(At(strFile))), strFrom, strTo)));
+    }
+};
+
+} // namespace
+
+TEST_F(Verify, InstallIsWholeAndNothingChangesByLooking)
+{
+    Install(L"-autostart");
+    const TEXTS picture = TakePicture();
+    EXPECT_EQ(RunPkgtool(L"verify C:\\corner\\package").strText,
+              L"whole; differences: 0; waiting for the next start of the machine: 0; checked: 58; folder: "
+              L"C:\\corner\\Program Files\\Lumacap 8\n");
+    EXPECT_EQ(Told(), L"0");
+    EXPECT_EQ(Told(L"--removed E:\\elsewhere"), L"0");
+    EXPECT_EQ(Join(Difference(picture, TakePicture())), L"");
+}
+
+// Each is told, by itself, and the next install mends it.
+TEST_F(Verify, EachDamageIsToldInItsOwnWords)
+{
+    std::shared_ptr<void> hold;
+    const std::wstring strPage = At(L"T\\page.url");
+    const std::wstring strLog = At(L"T\\LumUnInst.log");
+    const std::wstring strDesktop = At(L"user\\Desktop\\Lumacap 8.lnk");
+    const std::wstring strHelp = At(L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk");
+    const std::string strList = ReadBytes(At(L"package\\LumUnInst.log"));
+    const std::pair<std::function<void()>, std::wstring> kCases[] = {
+        { [] {}, L"" },
+        { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 10" },
+        { [&] { Make(L"T\\page.url", "012345678!"); }, L"T\\page.url has the right size, and another content" },
+        { [&] { RemoveTree(strPage); }, L"T\\page.url is missing" },
+        { [&] { RemoveTree(At(L"T\\lcxshare.dll")); }, L"T\\lcxshare.dll is missing" },
+        { [&] { hold = HoldFile(strPage, 0); }, L"T\\page.url can't be compared, since one can't be read" },
+        { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN); },
+          L"T\\page.url is hidden, and the package's file isn't" },
+        { [&] { SetAttributes(strLog, FILE_ATTRIBUTE_READONLY); },
+          L"T\\LumUnInst.log is read-only, and the package's file isn't" },
+        { [&] { CopyOneFile(ProductOfVersion(L"8.19.9.0"), At(L"T\\Lumacap8.exe")); },
+          L"T\\Lumacap8.exe is of version 8.19.9.0, and the package's file of 8.20.1.0" },
+        { [&] { RemoveTree(At(L"T\\Empty")); }, L"T\\Empty is missing: there is no such folder" },
+        { [&] { RemoveTree(At(L"T")); }, L"T is missing: there is no such folder" },
+        // What waits
+        { [&]
+          {
+              Make(L"T\\page.url", "old");
+              hold = HoldFile(strPage, FILE_SHARE_READ);
+              Install();
+          },
+          L"3\nT\\page.url comes at the next start of the machine" },
+        { [&] { MoveFileExW(strPage.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT); },
+          L"T\\page.url goes at the next start, and the package's doesn't come" },
+        { [&] { MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); },
+          L"T\\page.url goes at the next start, and the package's doesn't come" },
+        { [&]
+          {
+              BlockPending();
+              WriteBytes(kPendingProfile, "[rename]\r\nNUL=" + Bytes(strPage));
+          },
+          L"T\\page.url goes at the next start, and the package's doesn't come" },
+        // Links
+        { [&] { RemoveTree(strHelp); },
+          L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk is missing: there is no such link" },
+        { [&] { CopyOneFile(strHelp, strDesktop); },
+          L"user\\Desktop\\Lumacap 8.lnk leads to T\\Lumacap8Man.chm, and should lead to T\\Lumacap8.exe" },
+        { [&] { WriteBytes(strDesktop, "x"); },
+          L"user\\Desktop\\Lumacap 8.lnk leads to nowhere, and should lead to T\\Lumacap8.exe" },
+        // Registry
+        { [&] { SetKeyText(kMachine, kEntry, L"DisplayVersion", L"1"); },
+          L"HKLM\\" + kEntry + L" : DisplayVersion is 1, and should be 8.20.01" },
+        { [&] { SetKeyText(kMachine, kEntry, L"MajorVersion", L"8"); },
+          L"HKLM\\" + kEntry + L" : MajorVersion is of another kind, and should be 8" },
+        { [&] { RemoveValue(kMachine, kAppPath, L""); },
+          L"HKLM\\" + kAppPath + L" : (default) is missing, and should be T\\Lumacap8.exe" },
+        { [&] { RemoveValue(kMachine, kProduct, L"Path"); },
+          L"HKLM\\" + kProduct + L" : Path is missing, and should be T" },
+        { [&]
+          {
+              RemoveKey(kMachine, kProduct);
+              RemoveKey(kMachine, kAppPath);
+          },
+          L"HKLM\\" + kProduct + L" : Path is missing: no installation is registered" },
+        // The log
+        { [&] { RemoveTree(strLog); }, L"T\\LumUnInst.log is missing" },
+        { [&] { WriteBytes(strLog, strList.substr(0, 100)); }, L"T\\LumUnInst.log is cut: of the " +
+                                                                   std::to_wstring(strList.size()) +
+                                                                   L" bytes of the package's list it has 100" },
+        { [&] { Edit(L"T\\LumUnInst.log", L"capff", L"CAPFF"); },
+          L"T\\LumUnInst.log isn't the package's list: line 11 differs" },
+        { [&] { Edit(L"T\\LumUnInst.log", L"8.lnk\r\n", L"8.ln"); },
+          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+        { [&] { WriteBytes(strLog, strList + "\r\n"); },
+          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+        { [&] { Edit(L"T\\LumUnInst.log", L"Shell Link: " + strDesktop + L"\r\n", L""); },
+          L"user\\Desktop\\Lumacap 8.lnk is a link that the log doesn't name" },
+        { [&]
+          {
+              MoveFolder(HKEY_CURRENT_USER, L"Programs", At(L"\u017D"));
+              Install();
+          },
+          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+    };
+    for (const auto& [damage, strTold] : kCases)
+    {
+        Install();
+        ClearPending();
+        damage();
+        EXPECT_EQ(Told(), strTold.empty() ? L"0" : strTold[0] == L'3' ? strTold : L"1\n" + strTold);
+        hold.reset();
+    }
+}
+
+TEST_F(Verify, PortableInstallHasNeitherLinksNorRegistration)
+{
+    Install(L"-instport C:\\corner\\stick\\P");
+    EXPECT_EQ(Told(L"C:\\corner\\stick\\P\\"), L"0");
+    EXPECT_EQ(Told(), L"1\nHKLM\\SOFTWARE\\Tandrel\\Lumacap 8 : Path is missing: no installation is registered");
+    RemoveTree(At(L"stick\\StartLC8.exe"));
+    EXPECT_EQ(Told(L"C:\\corner\\stick\\P"), L"1\nstick\\StartLC8.exe is missing");
+}
+
+TEST_F(Verify, RemovalLeavesNothing)
+{
+    Install(L"-autostart");
+    std::map<std::string, int> kinds;
+    for (const std::wstring& strLine : Split(Told(L"--removed --json").substr(2), L'\n'))
+        kinds[nlohmann::json::parse(strLine)["kind"]]++;
+    EXPECT_EQ(nlohmann::json(kinds).dump(),
+              R"({"file-left":21,"folder-left":7,"key-left":6,"link-left":4,"value-left":1})");
+    {
+        const CCalls calls({ { "CreateProcessW", [](CALL&) { return TRUE; } } });
+        EXPECT_TRUE(DeleteFileW(At(L"Program Files\\Lumacap 8\\LumUnInst.exe").c_str()));
+        RunUninstall(At(L"Program Files\\Lumacap 8\\").c_str());
+    }
+    EXPECT_EQ(Told(L"--removed"), L"0");
+
+    Make(L"T\\page.url|user\\Programs\\Any\\Group\\Lumacap 8.lnk");
+    MoveFileExW(At(L"T").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+    EXPECT_EQ(Told(L"--removed C:\\corner\\T"),
+              L"1\nT is a folder that still stands\nT\\page.url still stands\n"
+              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands");
+    MoveFileExW(At(L"T\\page.url").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
+    RemoveTree(At(L"user\\Programs\\Any"));
+    EXPECT_EQ(Told(L"--removed C:\\corner\\T"), L"3\nT stands until the next start of the machine\n"
+                                                L"T\\page.url stands until the next start of the machine");
+}
