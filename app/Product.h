@@ -8,6 +8,7 @@
 #define FILE_LIST_NAME L"LumUnInst.log"
 #define SECOND_LIST_NAME L"install.log"
 #define UNINSTALLER_NAME L"LumUnInst.exe"
+#define HELP_FILE_NAME L"Lumacap8Man.chm"
 #define LINK_EXTENSION L".lnk"
 #define PRODUCT_CLASS L"Lumacap.8"
 #define PRODUCT_APPLICATION L"Applications\\" PRODUCT_EXE
@@ -26,7 +27,7 @@ inline constexpr wchar_t kFileListName[] = FILE_LIST_NAME;
 inline constexpr wchar_t kSecondListName[] = SECOND_LIST_NAME;
 inline constexpr wchar_t kUninstallerName[] = UNINSTALLER_NAME;
 inline constexpr wchar_t kThumbnailDll[] = L"ThumbLcp64.dll";
-inline constexpr wchar_t kHelpFile[] = L"Lumacap8Man.chm";
+inline constexpr wchar_t kHelpFile[] = HELP_FILE_NAME;
 inline constexpr wchar_t kSettingsFile[] = L"Lumacap8.ini";
 inline constexpr wchar_t kRegistrySettingsFile[] = L"Lumacap8.reg";
 inline constexpr wchar_t kLinkExtension[] = LINK_EXTENSION;
@@ -36,11 +37,11 @@ inline constexpr wchar_t kProductExePath[] = L"\\" PRODUCT_EXE;
 inline constexpr wchar_t kFileListPath[] = L"\\" FILE_LIST_NAME;
 inline constexpr wchar_t kSecondListPath[] = L"\\" SECOND_LIST_NAME;
 inline constexpr wchar_t kUninstallerPath[] = L"\\" UNINSTALLER_NAME;
+inline constexpr wchar_t kHelpFilePath[] = L"\\" HELP_FILE_NAME;
 inline constexpr wchar_t kProductLinkPath[] = L"\\" PRODUCT_NAME LINK_EXTENSION;
 inline constexpr wchar_t kHomePageFilePath[] = L"\\HomePage.url";
 inline constexpr wchar_t kVersion5ExePath[] = L"\\Lumacap5.exe";
 inline constexpr wchar_t kVersion6ExePath[] = L"\\Lumacap6.exe";
-inline constexpr wchar_t kManualPath[] = L"\\Lumacap8Man.chm";
 
 // What the registration writes and the removal takes away goes by the same names.
 inline constexpr wchar_t kProductKey[] = PRODUCT_KEY;

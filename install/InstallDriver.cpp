@@ -64,7 +64,7 @@ static void CreateProductLink(const CString& strFolder)
 
 static void CreateHelpLink(const CString& strFolder)
 {
-    CreateShellLink(g_strInstDir + L"\\" + kHelpFile, strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension,
+    CreateShellLink(g_strInstDir + kHelpFilePath, strFolder + L"\\" + LoadResString(IDS_HELP_LINK) + kLinkExtension,
                     L"", SW_SHOWNORMAL, nullptr, nullptr);
 }
 

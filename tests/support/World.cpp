@@ -44,11 +44,6 @@ void World::SetUp()
     ResetProgramState();
 }
 
-void World::TearDown()
-{
-    SetCurrentDirectoryW(L"C:\\");
-}
-
 void World::Make(const std::wstring& strPaths, const std::string& strBytes) const
 {
     for (const std::wstring& strPath : Split(strPaths, L'|'))

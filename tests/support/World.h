@@ -12,12 +12,11 @@
 
 // An empty folder; the system's folders moved into it ("all\\Desktop", "all\\Programs\\Startup", "user\\Desktop", ...,
 // "Program Files", "temp"); no product in the registry, no other user's hive, an empty boot list, Windows 7, the
-// program's state that of a start. A suite's own SetUp and TearDown call these.
+// program's state that of a start. A suite's own SetUp calls this one.
 class World : public testing::Test
 {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     std::wstring At(const std::wstring& strRelative) const { return m_strFolder + L"\\" + strRelative; }
 

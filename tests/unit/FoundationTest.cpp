@@ -171,8 +171,10 @@ TEST_F(Foundation, TextsAreEncodedAndConverted)
     CCalls calls({ { "GetACP", [](CALL&) { return 1251; } },
                    { "LoadLibraryExW", [&](CALL& call) { return loaded.push_back(call.Text(0)), call.Pass(); } } });
     EXPECT_STREQ(AnsiToString("\xE4"), L"\x0434");
-    EXPECT_TRUE(AnsiToString("") == CString(L'\0', 2));
-    EXPECT_TRUE(StringToAnsi(L"") == CStringA('\0', 2));
+    const CString strWide = AnsiToString("");
+    const CStringA strNarrow = StringToAnsi(L"");
+    EXPECT_EQ(std::wstring(strWide, strWide.GetLength()), std::wstring(2, L'\0'));
+    EXPECT_EQ(std::string(strNarrow, strNarrow.GetLength()), std::string(2, '\0'));
     // A letter and its mark apart become one.
     EXPECT_STREQ(StringToAnsi(L"\x0418\x0306\x4E00"), "\xC9?");
 

@@ -60,7 +60,7 @@ private:
 // stands behind it: so the switch comes first. But a first -s is told from a later one, which forbids the question
 // about running products too: it stays the first. What only counts as first argument beside that is -install, which the
 // setup's name makes up for, and what would make it an uninstaller, which the one file never is.
-// For whoever frees it.
+// The caller frees it.
 static wchar_t* NewCommandLine(const wchar_t* pszSetup, const CArguments& arguments)
 {
     const auto pszCommandLine =

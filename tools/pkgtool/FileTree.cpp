@@ -1,4 +1,3 @@
-// The files and folders of a planned machine.
 #include "tools/pkgtool/FileTree.h"
 
 #include <afx.h>

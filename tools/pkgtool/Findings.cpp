@@ -1,4 +1,3 @@
-// What can be wrong with a package.
 #include "tools/pkgtool/Findings.h"
 
 #include <limits.h>

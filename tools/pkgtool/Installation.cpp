@@ -1,4 +1,3 @@
-// What the machine tells of an installation.
 #include "tools/pkgtool/Installation.h"
 
 #include <shlobj.h>
@@ -6,8 +5,8 @@
 #include "app/RunState.h"
 #include "app/StartBindings.h"
 #include "foundation/FolderPaths.h"
-#include "foundation/TextEnds.h"
 #include "foundation/Owners.h"
+#include "foundation/TextEnds.h"
 #include "install/EarlierInstallation.h"
 
 // A drive alone stays as it is: with a path it would be its current folder.

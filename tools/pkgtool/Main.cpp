@@ -88,7 +88,7 @@ public:
             ->check(CLI::IsMember(&kKinds).description(""));
         AddFolder(pPlan);
         CLI::App* pList = AddVerb("list", ListFolder, "Writes the list of a product's folder: all that lies there.");
-        pList->add_option("FOLDER", m_options.strFolder, "the product's folder, which becomes the package")->required();
+        AddFolder(pList, "the product's folder, which becomes the package");
         pList->add_flag("--force", m_options.bForce,
                         "write it over a list that stands, and keep its records File Copy ind, File Copy prt, "
                         "File Overwrite and File Del");
@@ -130,9 +130,9 @@ private:
         return pVerb;
     }
 
-    void AddFolder(CLI::App* pVerb)
+    void AddFolder(CLI::App* pVerb, const char* pszDescription = "the package: a folder with a LumUnInst.log")
     {
-        pVerb->add_option("FOLDER", m_options.strFolder, "the package: a folder with a LumUnInst.log")->required();
+        pVerb->add_option("FOLDER", m_options.strFolder, pszDescription)->required();
     }
 
     CLI::App m_app{ "Checks packages of the setup, plans them, writes their lists and tells whether an install stands.",

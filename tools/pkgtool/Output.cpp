@@ -1,4 +1,3 @@
-// The program's words.
 #include "tools/pkgtool/Output.h"
 
 #include <io.h>

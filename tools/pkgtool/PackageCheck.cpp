@@ -1,4 +1,3 @@
-// All that the engine would silently do wrong with a package.
 #include "tools/pkgtool/PackageCheck.h"
 
 #include "app/Product.h"

@@ -1,4 +1,3 @@
-// What waits for the next start of the machine.
 #include "tools/pkgtool/PendingList.h"
 
 #include <algorithm>

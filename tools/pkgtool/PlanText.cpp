@@ -1,4 +1,3 @@
-// A plan for people.
 #include "tools/pkgtool/PlanText.h"
 
 #include "app/Product.h"

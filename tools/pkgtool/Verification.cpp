@@ -1,4 +1,3 @@
-// An installation against its package.
 #include "tools/pkgtool/Verification.h"
 
 #include <io.h>
@@ -10,10 +9,10 @@
 #include "app/Product.h"
 #include "foundation/DiskFiles.h"
 #include "foundation/FolderPaths.h"
-#include "foundation/TextEnds.h"
 #include "foundation/InstallLog.h"
 #include "foundation/StringTable.h"
 #include "foundation/SystemFacts.h"
+#include "foundation/TextEnds.h"
 #include "install/EarlierInstallation.h"
 #include "install/FileVersion.h"
 #include "res/resource.h"
@@ -190,7 +189,7 @@ static bool IsLinkOf(const CString& strPath, UINT nName)
 static void VerifyLink(Verification& result, const CString& strLink)
 {
     const CString strFound = ReadLinkTarget(strLink);
-    const CString strExpected = g_strInstDir + (IsLinkOf(strLink, IDS_HELP_LINK) ? kManualPath : kProductExePath);
+    const CString strExpected = g_strInstDir + (IsLinkOf(strLink, IDS_HELP_LINK) ? kHelpFilePath : kProductExePath);
     ++result.nChecked;
     if (!PathExists(strLink))
         result.Add(kLinkMissing, strLink);

@@ -1,4 +1,3 @@
-// What a verification tells.
 #include "tools/pkgtool/VerifyReport.h"
 
 #include <nlohmann/json.hpp>
