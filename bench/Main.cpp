@@ -33,6 +33,8 @@ static const MEASUREMENT kMeasurements[] = {
       [](wchar_t** argv) { MeasureProcesses(argv[0], _wtoi(argv[1]), _wtoi(argv[2]), argv[3], argv[4]); } },
     { L"installers-package", 3, [](wchar_t** argv) { MakeInstallersPackage(argv[0], _wtoi(argv[1]), argv[2]); } },
     { L"installers", 3, [](wchar_t** argv) { MeasureInstallers(argv[0], _wtoi(argv[1]), _wtoi(argv[2])); } },
+    { L"download", 5,
+      [](wchar_t** argv) { MeasureDownload(argv[0], _wtoi(argv[1]), _wtoi(argv[2]), argv[3], argv[4]); } },
     { L"list-memory", 3, [](wchar_t** argv) { MeasureListMemory(argv[0], argv[1], _wtoi(argv[2])); } },
     { L"memory", 3, [](wchar_t** argv) { MeasureMemory(argv[0], argv[1], argv[2]); } },
 };

@@ -24,6 +24,12 @@ void MeasureProcesses(const std::wstring& strFolder, int nFiles, int nPairs, con
 void MakeInstallersPackage(const std::wstring& strFolder, int nFiles, const std::wstring& strProduct);
 void MeasureInstallers(const std::wstring& strFolder, int nFiles, int nPairs);
 
+// The one file that people download, as download.exe in the folder of the package above, against that package's
+// setup.exe; then pkgtool's verification against a plain program that reads both copies of each file. strPrograms is
+// the folder of the plain program, strPkgtool the tool's path.
+void MeasureDownload(const std::wstring& strFolder, int nFiles, int nPairs, const std::wstring& strPrograms,
+                     const std::wstring& strPkgtool);
+
 // Peak working sets in bytes, against that of the empty program.
 void MeasureMemory(const std::wstring& strFolder, const std::wstring& strProduct, const std::wstring& strPrograms);
 

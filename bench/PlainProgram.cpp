@@ -1,5 +1,5 @@
 // The plain counterpart of setup.exe and LumUnInst.exe as a process: `plain copy FROM TO FILES`, `plain remove FOLDER
-// FILES`. A windowed program, as they are.
+// FILES`; and of a comparison: `plain read FOLDER FOLDER FILES`. A windowed program, as they are.
 #include <windows.h>
 
 #include <stdlib.h>
@@ -16,6 +16,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
         PlainRemove(__wargv[2], 0, _wtoi(__wargv[3]));
         RemoveDirectoryW(__wargv[2]);
     }
+    else if (__argc == 5 && wcscmp(__wargv[1], L"read") == 0)
+        return PlainRead(__wargv[2], __wargv[3], _wtoi(__wargv[4])) ? 0 : 1;
     else
         return 1;
     return 0;

@@ -26,6 +26,27 @@ void PlainCopy(const std::wstring& strFrom, const std::wstring& strTo, int nFirs
         CopyFileW((strFrom + L"\\" + FileName(i)).c_str(), (strTo + L"\\" + FileName(i)).c_str(), FALSE);
 }
 
+static bool ReadWhole(const std::wstring& strPath)
+{
+    static char buffer[65536];
+    const HANDLE hFile =
+        CreateFileW(strPath.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    DWORD cbRead = 0;
+    DWORD cbAll = 0;
+    while (ReadFile(hFile, buffer, sizeof(buffer), &cbRead, nullptr) && cbRead > 0)
+        cbAll += cbRead;
+    CloseHandle(hFile);
+    return cbAll == kFileSize;
+}
+
+bool PlainRead(const std::wstring& strFolder, const std::wstring& strOther, int nFiles)
+{
+    for (int i = 0; i < nFiles; ++i)
+        if (!ReadWhole(strFolder + L"\\" + FileName(i)) || !ReadWhole(strOther + L"\\" + FileName(i)))
+            return false;
+    return true;
+}
+
 void PlainRemove(const std::wstring& strFolder, int nFirst, int nLast)
 {
     for (int i = nFirst; i < nLast; ++i)

@@ -10,6 +10,9 @@
 // one left out. Both are multiples of kFilesInFolder.
 void PlainCopy(const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast);
 
+// Reads both folders' copies of so many files, one after the other. False if one can't be read.
+bool PlainRead(const std::wstring& strFolder, const std::wstring& strOther, int nFiles);
+
 // Deletes the files of these numbers by DeleteFileW, then their folders by RemoveDirectoryW; the folder itself stays.
 void PlainRemove(const std::wstring& strFolder, int nFirst, int nLast);
 

@@ -16,6 +16,7 @@ CProgram::CProgram(const std::wstring& strCommandLine) : m_job(CreateJobObjectW(
     std::wstring strBuffer = strCommandLine; // the call may write into it
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES; // none: what it tells doesn't belong among the results
     PROCESS_INFORMATION process = {};
     if (!CreateProcessW(nullptr, &strBuffer[0], nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr, &startup,
                         &process))
@@ -28,6 +29,14 @@ CProgram::CProgram(const std::wstring& strCommandLine) : m_job(CreateJobObjectW(
     AssignProcessToJobObject(m_job, process.hProcess);
     ResumeThread(process.hThread);
     CloseHandle(process.hThread);
+}
+
+DWORD CProgram::ExitCode() const
+{
+    DWORD nCode = 0;
+    WaitForEnd();
+    GetExitCodeProcess(m_process, &nCode);
+    return nCode;
 }
 
 void CProgram::WaitForFamily() const

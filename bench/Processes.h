@@ -16,6 +16,7 @@ public:
     HANDLE Process() const { return m_process; }
     DWORD Id() const { return m_nId; }
     void WaitForEnd() const { WaitForSingleObject(m_process, INFINITE); }
+    DWORD ExitCode() const;     // waits for its end
     void WaitForFamily() const; // it and all that it and its successors started
     void End() const;           // all of them
 

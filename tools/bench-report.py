@@ -2,9 +2,13 @@
 usage: bench-report.py SETUP SECOND-SETUP PLANTED-TEST-FAILED BENCH-FOLDER"""
 
 import collections
+import io
+import lzma
+import os
 import re
 import subprocess
 import sys
+import tarfile
 from statistics import median
 
 FILES = 2000
@@ -33,6 +37,9 @@ DEFINITIONS = """\
   -install -s` and its `LumUnInst.exe`. An install is timed from the program's start to the end of all that it started.
   A removal is timed from the first vanished file to the last, so that its pauses aren't in it; the other's is one sweep
   of a folder, which looks at no list. The ratio is the median of all rounds.
+- **The download**: from its start to the end of all that it started, in turns with `setup.exe -install -s` of the same
+  files, unpacked. The list is what `pkgtool list` writes: a record a file. `pkgtool verify` then takes turns with a
+  windowed program that reads both copies.
 - **Whole programs**: `setup.exe -install -s` and the product's `-regonly`, `LumUnInst.exe` until its second stage has
   ended, and a windowed program with the bare loop. The same with a package of no files gives the fixed part: registry,
   links, the product's start, and a removal's pauses. Net is the difference of the two.
@@ -115,6 +122,21 @@ def hold_executable(report, setup, second):
     return sections
 
 
+# As small as these files get in one archive.
+def solid_archive(package):
+    with io.BytesIO() as archive:
+        with tarfile.open(fileobj=archive, mode="w") as files:
+            files.add(package, "")
+        return len(lzma.compress(archive.getvalue(), lzma.FORMAT_ALONE, preset=9 | lzma.PRESET_EXTREME))
+
+
+def hold_download(report, folder):
+    above = (os.path.getsize(f"{folder}/sample/Lumacap8Setup.exe") - solid_archive("build/package")) / 1024
+    report.most("`Lumacap8Setup.exe` above a solid LZMA archive of its files", 120, above, " KB", 1)
+    report.most("unpacking and installing, to installing", 2.5, report.ratio("download"))
+    report.most("verifying, to reading both copies", 1.5, report.ratio("verify"))
+
+
 def whole_programs(report):
     lines = ["| | program | plain | net ratio |", "|---|---|---|---|"]
     for what, name in (("install", "setup"), ("removal", "uninstall")):
@@ -186,6 +208,7 @@ def main():
     hold_lines(report)
     hold_memory(report)
     sections = hold_executable(report, setup, second)
+    hold_download(report, folder)
     report.hold("libraries planted beside `setup.exe`", "none loaded; the control loads them",
                 "see planted.txt" if planted_failed != "0" else "none loaded", planted_failed == "0")
     plot(report, folder)

@@ -1,11 +1,12 @@
 #!/bin/bash
 # Makes the one file that people download, its sum and its manifests for winget, of a checked package: build/dist/.
-# usage: [PRODUCT=FOLDER] [URL=ADDRESS] dist.sh    of the sample package, if no other is named; the address is the file's
+# usage: [PRODUCT=FOLDER] [URL=ADDRESS] [DIST=FOLDER] dist.sh    of the sample package, if no other is named; the address
+# is the file's; the folder is made anew
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/machine.sh
 build=${LUMACAP_BUILD:-$PWD/build/release}
-dist=${LUMACAP_BUILD:-$PWD/build}/dist
+dist=$(realpath -m "${DIST:-${LUMACAP_BUILD:-$PWD/build}/dist}")
 package=$(realpath "${PRODUCT:-$build/package}")
 url=${URL:-http://www.lumacap.example/Lumacap8Setup.exe}
 
@@ -40,6 +41,7 @@ write_manifests() {
 }
 
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "$url is no address"
+[[ $package/ != "$dist"/* ]] || fail "$package lies where the download is made"
 rm -rf "$dist"
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"

@@ -121,6 +121,39 @@ extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVar
     CloseHandle(process.hProcess);
 }
 
+// The packer resets the attributes of each file that it deletes, which takes longer than the deletion. What this leaves
+// because it needs that, the packer takes away. Too long a path is left to it too.
+static void RemoveFiles(const wchar_t* pszFolder)
+{
+    wchar_t szPath[MAX_PATH];
+    const int nFolder = lstrlenW(pszFolder);
+    if (nFolder + 2 >= MAX_PATH)
+        return;
+    lstrcpyW(szPath, pszFolder);
+    lstrcatW(szPath, L"\\*");
+    WIN32_FIND_DATAW found;
+    const HANDLE hFind = FindFirstFileW(szPath, &found);
+    if (hFind == INVALID_HANDLE_VALUE)
+        return;
+    do
+    {
+        if (found.cFileName[0] == L'.' || nFolder + 1 + lstrlenW(found.cFileName) >= MAX_PATH)
+            continue;
+        lstrcpyW(szPath + nFolder + 1, found.cFileName);
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            DeleteFileW(szPath);
+        else if ((found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+            RemoveFiles(szPath);
+    } while (FindNextFileW(hFind, &found));
+    FindClose(hFind);
+}
+
+// $0 holds the folder.
+extern "C" __declspec(dllexport) void Remove(HWND, int, wchar_t* pszVariables)
+{
+    RemoveFiles(pszVariables);
+}
+
 // The library's entry: no runtime is started in it.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID)
 {

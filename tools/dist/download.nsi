@@ -61,6 +61,8 @@ Section
         Abort
     ${EndIf}
     SetErrorLevel $0
+    StrCpy $0 $PLUGINSDIR\package
+    Launch::Remove
 SectionEnd
 
 Function .onInstFailed

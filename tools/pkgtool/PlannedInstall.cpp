@@ -204,12 +204,31 @@ static void CopyMatches(const RecordCopy& copy, HANDLE hFind, WIN32_FIND_DATAW m
         copy.Report(FINDING_NO_MATCH);
 }
 
+// A search for one name opens its folder, and lists may have a record for each file: each folder is read once instead.
+static bool IsInFolder(Plan& plan, const CString& strPath, WIN32_FIND_DATAW& match)
+{
+    const CString strFolder = CutLastPart(strPath);
+    const auto [folder, bNew] = plan.folders.try_emplace(strFolder);
+    if (bNew)
+    {
+        const CFindOwner find(FindFirstFileW(strFolder + L"\\*", &match));
+        for (BOOL bMore = find.IsOpen(); bMore; bMore = FindNextFileW(find, &match))
+            folder->second[FoldCase(match.cFileName)] = match;
+    }
+    const auto file = folder->second.find(FoldCase(strPath.Mid(strFolder.GetLength() + 1)));
+    if (file == folder->second.end())
+        return false;
+    match = file->second;
+    return true;
+}
+
 static void CopyMatchingFiles(const RecordCopy& copy, const CString& strMask, const wchar_t* pszTargetFolder)
 {
     const CString strPattern = WithSeparator(copy.package.strFolder) + strMask;
     WIN32_FIND_DATAW match;
-    const CFindOwner find(FindFirstFileW(strPattern, &match));
-    if (!find.IsOpen())
+    const bool bKnown = IsInFolder(copy.plan, strPattern, match);
+    const CFindOwner find(bKnown ? INVALID_HANDLE_VALUE : FindFirstFileW(strPattern, &match));
+    if (!bKnown && !find.IsOpen())
     {
         copy.Report(FINDING_NO_MATCH);
         NoteMeant(copy, strMask);

@@ -3,6 +3,7 @@
 // the desktop link is wanted and the startup link isn't. Of the machine's libraries it is taken that none is there.
 #pragma once
 
+#include <map>
 #include <set>
 
 #include "app/RunState.h"
@@ -29,6 +30,7 @@ struct Plan
     CFileTree tree;
     std::set<CString> named; // the package's files that a record met, folded whole paths
     CFindings& findings;
+    std::map<CString, std::map<CString, WIN32_FIND_DATAW>> folders = {}; // of the package, read once; names folded
 };
 
 // Carries the install out on the plan's tree, and notes what goes wrong with each record.
