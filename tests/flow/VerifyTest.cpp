@@ -90,6 +90,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           L"T\\Lumacap8.exe is of version 8.19.9.0, and the package's file of 8.20.1.0" },
         { [&] { RemoveTree(At(L"T\\Empty")); }, L"T\\Empty is missing: there is no such folder" },
         { [&] { RemoveTree(At(L"T")); }, L"T is missing: there is no such folder" },
+        { [&] { Install(L"-instdir \\\\nowhere\\T"); }, L"\\\\nowhere\\T is missing: there is no such folder" },
         // What waits
         { [&]
           {

@@ -1,0 +1,36 @@
+#!/bin/bash
+# Goes the way of docs/shipping.md with the sample's folder, where each command prints what the page says; then with many
+# files of a stranger besides, down to the removal of what the download installed. The commands of docs/deployment.md are
+# steps of a scenario.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+. tools/machine.sh
+machine_start shipping
+trap machine_stop EXIT
+export HOME=$machine_dir/home
+export DIST=$HOME/dist
+mkdir "$HOME"
+cp -r "$LUMACAP_BUILD/package" "$HOME/Lumacap"
+rm "$HOME/Lumacap/LumUnInst.log"
+
+# Sizes and the home folder are the machine's own, and a build may have something to tell.
+even_out() { sed -E '/^(ninja|Building|--)/d; s/^ *//; s/[0-9]+ bytes/N bytes/; s/(in|Made) .*[\\/]/\1 /'; }
+
+play() {
+    sed -n 's/^ *\$ //p' docs/shipping.md | while read -r command; do
+        echo "\$ $command"
+        bash -o pipefail -c "${command/build\//$LUMACAP_BUILD/}" </dev/null 2>"$machine_dir/stderr" | tr -d '\r'
+    done
+}
+
+if sed -n 's/^    /> run /p' docs/deployment.md | grep -vxFf tests/scenarios/deployment; then exit 1; fi
+diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
+
+cp -r /usr/share/nsis "$HOME/Lumacap/A stranger's folder"
+wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$HOME/Lumacap"
+PRODUCT=$HOME/Lumacap tools/dist.sh
+machine_run "$DIST/Lumacap8Setup.exe" -install -s /S
+machine_run "$LUMACAP_BUILD/pkgtool.exe" verify "$HOME/Lumacap"
+machine_run 'C:\Program Files\Lumacap 8\LumUnInst.exe'
+machine_wait_idle
+machine_run "$LUMACAP_BUILD/pkgtool.exe" verify --removed "$HOME/Lumacap"
