@@ -3,12 +3,12 @@
 # Fails below the bound. The report by lines lands in build/coverage/report/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bound=90
+bound=95
 
 find build/coverage -name '*.gcda' -delete
-# One test at a time: the programs of two would write the same counters. Left out are the test that knows each import
-# of the delivered executable, since this one has more, and those whose programs are killed before they can count.
-tools/run-tests.sh coverage --parallel 1 --exclude-regex '^(FaultMatrix|Interruption.*)$'
+# One test at a time: the programs of two would write the same counters. Left out are those whose programs are ended before
+# they can count, and what runs the delivered programs.
+tools/run-tests.sh coverage --parallel 1 --exclude-regex '^(Interruption|shipping)$'
 mkdir -p build/coverage/report
 gcovr --root . --object-directory build/coverage --gcov-executable x86_64-w64-mingw32-gcov-posix \
     --filter 'app/' --filter 'wizard/' --filter 'install/' --filter 'uninstall/' --filter 'foundation/' --filter 'mfc/' \

@@ -9,7 +9,8 @@ namespace
 // planted there, and are left out.
 const wchar_t kNames[] =
     L"version uxtheme dwmapi cryptbase profapi propsys apphelp ntmarta secur32 sspicli netapi32 winmm msimg32 linkinfo "
-    L"ntshrui riched20 shfolder wintrust userenv comctl32 mpr wtsapi32 urlmon winhttp wininet dbghelp";
+    L"ntshrui riched20 shfolder wintrust userenv comctl32 mpr wtsapi32 urlmon winhttp wininet dbghelp srvcli cscapi "
+    L"netutils cfgmgr32 oleacc edputil textshaping iertutil wldp usp10 winsta devobj fxsst";
 
 class PlantedLibrary : public World
 {

@@ -107,7 +107,7 @@ TEST_F(WizardUser, KeysAloneMakeEveryChoice)
             ASSERT_TRUE(WaitUntil([&] { return m_wizard->FocusId() == nId; })) << step.strKeys << nId;
         }
         EXPECT_EQ(IsWindowEnabled(m_wizard->Window()), step.ring[0] != 0) << step.strKeys;
-        EXPECT_EQ(step.strKeys == "\t\t" ? SendMessageW(m_wizard->Control(1000), EM_GETSEL, 0, 0) : 0, 0);
+        EXPECT_EQ(step.strKeys == "\t\t" ? Send(m_wizard->Control(1000), EM_GETSEL, 0, 0) : 0, 0);
     }
     Press(" %F");
     ASSERT_TRUE(WaitUntil([&] { return m_run->FamilyIds().size() == 1 && m_run->WaitForEnd(0); }));

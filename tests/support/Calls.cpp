@@ -22,6 +22,7 @@ extern "C" void CommonEntry();
 extern "C" INT_PTR ReturnResult();
 extern "C" void* Dispatch(CALL_ENTRY* pEntry, UINT_PTR* args);
 asm(R"(
+.text
 .globl CommonEntry
 CommonEntry:
     movq %rcx, 8(%rsp)

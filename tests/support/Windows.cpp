@@ -4,7 +4,7 @@
 
 #include "tests/support/Machine.h"
 
-static LRESULT Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+LRESULT Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     DWORD_PTR nResult = 0;
     SendMessageTimeoutW(hWnd, nMessage, wParam, lParam, SMTO_NORMAL, 5000, &nResult);
