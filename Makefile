@@ -14,7 +14,7 @@ help:
 	@echo 'make wizard       open the wizard on your display, on a throwaway Windows machine'
 	@echo 'make screenshots  take the pictures in docs/images (about 20 seconds)'
 	@echo 'make coverage     all tests on a build that counts lines; the report by file (about 5 minutes)'
-	@echo 'make bench        time, memory and size against plain counterparts, build/bench/report.md (about 12 minutes)'
+	@echo 'make bench        time, memory and size against plain counterparts, build/bench/report.md (about 20 minutes)'
 	@echo 'make lint         format, static analysis (about 5 minutes)'
 	@echo 'make clean        remove build/'
 

@@ -111,14 +111,18 @@ def hold_memory(report):
                 report.above("peak-page-to-window", 100), " MB")
 
 
+def hold_same(report, what, first, second):
+    same = open(first, "rb").read() == open(second, "rb").read()
+    report.hold(f"{what} of two builds in two folders", "byte-identical", "identical" if same else "different", same)
+
+
 def hold_executable(report, setup, second):
     sections = dict(re.findall(r"^(\.\S+)\s+(\d+)", output_of("x86_64-w64-mingw32-size", "-A", setup), re.M))
     size = sum(int(size) for name, size in sections.items() if name != ".rsrc") / 1024
     report.most("code and data of `setup.exe`", 200, size, " KB", 1)
     imports = set(re.findall(r"DLL Name: (\S+)", output_of("x86_64-w64-mingw32-objdump", "-p", setup)))
     report.hold("imports", "protected libraries only", ", ".join(sorted(imports)), imports <= IMPORTS)
-    same = open(setup, "rb").read() == open(second, "rb").read()
-    report.hold("two builds in two folders", "byte-identical", "identical" if same else "different", same)
+    hold_same(report, "`setup.exe`", setup, second)
     return sections
 
 
@@ -133,6 +137,7 @@ def solid_archive(package):
 def hold_download(report, folder):
     above = (os.path.getsize(f"{folder}/sample/Lumacap8Setup.exe") - solid_archive("build/package")) / 1024
     report.most("`Lumacap8Setup.exe` above a solid LZMA archive of its files", 120, above, " KB", 1)
+    hold_same(report, "`Lumacap8Setup.exe`", f"{folder}/sample/Lumacap8Setup.exe", f"{folder}/again/Lumacap8Setup.exe")
     report.most("unpacking and installing, to installing", 2.5, report.ratio("download"))
     report.most("verifying, to reading both copies", 1.5, report.ratio("verify"))
 
