@@ -8,9 +8,9 @@
 IMPLEMENT_DYNAMIC(COXInstanceManager, CObject)
 
 // "Local\" keeps the list to one logon session.
-static const wchar_t kListMutexName[] = L"Local\\COXInstanceManager_InstanceList_Mutex_";
-static const wchar_t kAdditionalMutexName[] = L"Local\\COXInstanceManager_Additional_Mutex_";
-static const wchar_t kMappingName[] = L"Local\\COXInstanceManager_FileMap_";
+static constexpr wchar_t kListMutexName[] = L"Local\\COXInstanceManager_InstanceList_Mutex_";
+static constexpr wchar_t kAdditionalMutexName[] = L"Local\\COXInstanceManager_Additional_Mutex_";
+static constexpr wchar_t kMappingName[] = L"Local\\COXInstanceManager_FileMap_";
 
 // One operation's view of the list, locked against other processes. Without a view nothing is locked.
 class COXInstanceManager::CListAccess
@@ -21,7 +21,7 @@ public:
     {
     }
 
-    // The view goes before the lock is let go, which the lock's own destructor does.
+    // Unmaps the view; m_lock then lets go.
     ~CListAccess()
     {
         if (m_manager.m_pList != nullptr)
@@ -99,8 +99,8 @@ bool COXInstanceManager::ResetInstanceList()
     return false;
 }
 
-// A process without a main window leaves a post to a null handle: it goes to this thread's own queue, where
-// nothing takes it up.
+// A process without a main window gives a null handle. The post then goes to this thread's own queue, where nothing
+// takes it up.
 void COXInstanceManager::TellInstances(const InstanceList& list, UINT nMessage, DWORD nProcessId)
 {
     for (DWORD i = 0; i < list.nCount; ++i)

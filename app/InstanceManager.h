@@ -23,7 +23,7 @@ public:
     COXInstanceManager(const CString& strInstanceName, DWORD cbAdditional, bool bAddSelf);
     virtual ~COXInstanceManager();
 
-    // True if the process was added: not to a full list. The listed ones are told.
+    // Adds the process and tells those listed. False if the list is full.
     bool AddInstance(DWORD nProcessId);
 
     // True if the process was listed and is no longer. The remaining ones are told.

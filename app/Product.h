@@ -30,6 +30,9 @@ inline constexpr wchar_t kThumbnailDll[] = L"ThumbLcp64.dll";
 inline constexpr wchar_t kHelpFile[] = HELP_FILE_NAME;
 inline constexpr wchar_t kSettingsFile[] = L"Lumacap8.ini";
 inline constexpr wchar_t kRegistrySettingsFile[] = L"Lumacap8.reg";
+inline constexpr wchar_t kAgreementFile[] = L"agreement.txt";
+inline constexpr wchar_t kX64Folder[] = L"x64";
+inline constexpr wchar_t kX32Folder[] = L"x32";
 inline constexpr wchar_t kLinkExtension[] = LINK_EXTENSION;
 
 // To be put behind a folder without a backslash at its end
@@ -59,6 +62,10 @@ inline constexpr wchar_t kClassOpenKey[] = PRODUCT_CLASS L"\\shell\\open\\comman
 inline constexpr wchar_t kApplicationOpenKey[] = PRODUCT_APPLICATION L"\\shell\\open\\command";
 inline constexpr wchar_t kMessagingHostsKey[] = L"SOFTWARE\\Mozilla\\NativeMessagingHosts";
 inline constexpr wchar_t kMessagingHost[] = L"capff";
+// Values of the product's key: its folder, and the kind of its install, which a later run tells by this letter
+inline constexpr wchar_t kFolderValue[] = L"Path";
+inline constexpr wchar_t kKindValue[] = L"AllUsers";
+inline constexpr wchar_t kAllUsersLetter[] = L"B";
 // The value in which the product keeps the association that stood before itself
 inline constexpr wchar_t kSavedAssociation[] = L"LumacapOld";
 

@@ -32,7 +32,7 @@ decltype(&IsWow64Process) g_pfnIsWow64ProcessOf = nullptr;
 
 namespace
 {
-// Work of the start sequence that stands between the construction of two objects.
+// A step of the start: done where the object stands.
 struct CStartStep
 {
     explicit CStartStep(void (*pfnStep)()) { pfnStep(); }
@@ -45,7 +45,7 @@ static void StopOnUncaughtException()
     std::set_terminate(StopProcess);
 }
 
-static const CStartStep s_stopOnUncaughtException(StopOnUncaughtException);
+static const CStartStep g_stopOnUncaughtException(StopOnUncaughtException);
 
 static constexpr DWORD kAdditionalDataSize = 1024; // bytes; the product gives the same
 
@@ -61,11 +61,16 @@ static void NameApplication()
 {
     // Set ahead of the framework's own start, which would else take the name from another text.
     theApp.m_pszAppName = _wcsdup(kProductName);
+}
+
+static void ReadPresentSystem()
+{
     ReadOsVersion(&g_osVersion);
 }
 
-static const CStartStep s_nameApplication(NameApplication);
-static const CStartStep s_bindDynamicApis(BindDynamicApis);
+static const CStartStep g_nameApplication(NameApplication);
+static const CStartStep g_readPresentSystem(ReadPresentSystem);
+static const CStartStep g_bindDynamicApis(BindDynamicApis);
 CString g_strNextText;
 CString g_strCancelText;
-static const CStartStep s_bindLibraryApi(BindLibraryApi);
+static const CStartStep g_bindLibraryApi(BindLibraryApi);

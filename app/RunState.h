@@ -31,7 +31,7 @@ extern int g_bUpgrade;           // the earlier installation is older, or nobody
 extern int g_bRunAfter;          // start the product, or restart the computer, at the end
 extern int g_bAutoStart;         // start the product at logon
 extern int g_bDeskIcon;          // a desktop icon is wanted
-extern int g_bRebootNeeded;      // what the platform returned for the last replacement left for the boot
+extern int g_bRebootNeeded;      // a replacement waits for the boot: what the platform returned for the last one
 extern int g_bSettingsCopied;    // a settings file beside the package was taken over
 extern unsigned int g_nVerMajor; // the version of the package, parts 1 to 4
 extern unsigned int g_nVerMinor;

@@ -1,4 +1,3 @@
-// Opens no window of its own.
 #include "app/SetupApp.h"
 
 #include <stdlib.h>
@@ -19,7 +18,7 @@ END_MESSAGE_MAP()
 
 CSetupApp::CSetupApp() : CWinApp(nullptr) {}
 
-static const wchar_t kSfxNamePrefix[] = L"-sfxname=";
+static constexpr wchar_t kSfxNamePrefix[] = L"-sfxname=";
 
 // Sets the silent mode and the package's folder. What stands behind the first "-v" or "-sconf" isn't looked at: such
 // a "-sfxname=" is lost. Returns whether "-s" was met on the way.

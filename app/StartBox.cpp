@@ -4,16 +4,16 @@
 
 #include "res/resource.h"
 
-static wchar_t s_szCaption[128];
+static wchar_t g_szCaption[128];
 
 void LoadStartCaption()
 {
-    LoadStringW(AfxGetResourceHandle(), IDS_SETUP_CAPTION, s_szCaption, _countof(s_szCaption));
+    LoadStringW(AfxGetResourceHandle(), IDS_SETUP_CAPTION, g_szCaption, _countof(g_szCaption));
 }
 
 int ShowStartBox(const wchar_t* pszText, UINT nStyle)
 {
-    return MessageBoxW(nullptr, pszText, s_szCaption, nStyle);
+    return MessageBoxW(nullptr, pszText, g_szCaption, nStyle);
 }
 
 CString LoadStartText(UINT nId)

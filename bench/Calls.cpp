@@ -29,7 +29,7 @@ void MeasureCalls(const std::wstring& strFolder, int nFiles)
 {
     const std::wstring strPackage = strFolder + L"\\package";
     const std::wstring strTarget = strFolder + L"\\target1";
-    const int kRounds = 7;
+    static constexpr int kRounds = 7;
     MakePackageFiles(strPackage, nFiles);
     for (int i = 0; i < kRounds; ++i)
     {

@@ -44,7 +44,7 @@ struct ROUND
 };
 } // namespace
 
-static const COUNTERPART kCounterparts[] = {
+static constexpr COUNTERPART kCounterparts[] = {
     { "",
       [](const std::wstring& strFrom, const std::wstring& strTo, int nFirst, int nLast, ListForm)
       { PlainCopy(strFrom, strTo, nFirst, nLast); },

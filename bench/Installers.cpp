@@ -1,6 +1,7 @@
 // setup.exe and its uninstaller against a general installer of the same files, as a user or a script starts both.
 #include <stdio.h>
 
+#include "app/Product.h"
 #include "bench/Measurements.h"
 #include "bench/Package.h"
 #include "bench/Processes.h"
@@ -43,14 +44,14 @@ void MeasureInstallers(const std::wstring& strFolder, int nFiles, int nPairs)
         for (const ListForm form : { BY_MASKS, BY_RECORDS })
         {
             const std::string strForm = form == BY_MASKS ? "masks" : "records";
-            WritePackageList(strPackage + L"\\LumUnInst.log", strPackage, 0, nFiles, form);
+            WritePackageList(strPackage + kFileListPath, strPackage, 0, nFiles, form);
             const PAIR installed = TimePair(
                 i, [&] { CProgram(strInstall).WaitForFamily(); }, [&] { CProgram(strOtherInstall).WaitForFamily(); });
             Report(("other-install-" + strForm).c_str(), nFiles, installed.dProgram, installed.dPlain);
             double dProgram = 0;
             double dOther = 0;
             TimePair(
-                i, [&] { dProgram = TimeFromFirstToLast(strTarget + L"\\LumUnInst.exe", strTarget, nFiles); },
+                i, [&] { dProgram = TimeFromFirstToLast(strTarget + kUninstallerPath, strTarget, nFiles); },
                 [&] { dOther = TimeFromFirstToLast(strOther + L"\\remove.exe /S", strOther, nFiles); });
             Report(("other-removal-" + strForm).c_str(), nFiles, dProgram, dOther);
         }

@@ -25,7 +25,7 @@ struct MEASUREMENT
 };
 } // namespace
 
-static const MEASUREMENT kMeasurements[] = {
+static constexpr MEASUREMENT kMeasurements[] = {
     { L"files", 3, [](wchar_t** argv) { MeasureFiles(argv[0], _wtoi(argv[1]), _wtoi(argv[2])); } },
     { L"calls", 2, [](wchar_t** argv) { MeasureCalls(argv[0], _wtoi(argv[1])); } },
     { L"lines", 3, [](wchar_t** argv) { MeasureLines(argv[0], _wtoi(argv[1]), _wtoi(argv[2])); } },

@@ -4,7 +4,7 @@
 
 #include <afx.h>
 
-// What is cut off both ends of a path that is to be made part by part.
+// Trimmed off a path's ends before its folders are made.
 inline constexpr wchar_t kPathTrim[] = L" \t\r\n\\";
 
 // The path without the one backslash that it may end in.
@@ -14,8 +14,8 @@ CString CutTrailingBackslash(const wchar_t* pszPath);
 // first. Empty for a null path and a drive root, and where no backslash stands behind the first character.
 CString ParentFolder(const wchar_t* pszPath);
 
-// The path less one trailing backslash and then cut at its last backslash; without a backslash nothing is cut.
-// Empty where the only backslash stands at the start.
+// The path without its last part; one trailing backslash is dropped first. Without a backslash it stays. Empty where
+// the only backslash stands at the start.
 CString CutLastPart(const wchar_t* pszPath);
 
 // The folder with a backslash behind it, unless it ends in a backslash or a slash; an empty folder gets one too.

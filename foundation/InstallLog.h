@@ -53,8 +53,8 @@ const wchar_t* FindRecordValue(const wchar_t* pszLine, const wchar_t* pszPrefix)
 // empty) are set. Without one: false, the whole value is the source mask, and the target is empty.
 bool SplitFileValue(const wchar_t* pszValue, CString& strSource, CString& strTarget);
 
-// The name that a removal takes from the line of a file record: the tail behind " | " dropped, the prefix dropped, and
-// of a renamed file the name under which it landed.
+// The name that a removal takes from the line of a file record: the tail from " | " on dropped, the prefix dropped,
+// and of a renamed file the name under which it landed.
 CString GetNameToRemove(const wchar_t* pszLine, const wchar_t* pszPrefix);
 
 // Appends the text as a line, and closes the file again, so that a line once written stands on disk whatever happens

@@ -24,10 +24,15 @@ CString ReadRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszVa
 CString QueryRegText(HKEY hKey, const wchar_t* pszValueName)
 {
     wchar_t szText[kRegistryTextCapacity] = L"";
+    return QueryRegText(hKey, pszValueName, szText) ? CString(szText) : CString();
+}
+
+bool QueryRegText(HKEY hKey, const wchar_t* pszValueName, wchar_t (&szText)[kRegistryTextCapacity])
+{
     DWORD cb = sizeof szText;
     const LSTATUS status = RegQueryValueExW(hKey, pszValueName, nullptr, nullptr, reinterpret_cast<BYTE*>(szText), &cb);
     szText[_countof(szText) - 1] = 0;
-    return status == ERROR_SUCCESS ? CString(szText) : CString();
+    return status == ERROR_SUCCESS;
 }
 
 static int WriteRegValue(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, DWORD dwType,

@@ -15,6 +15,10 @@ inline constexpr DWORD kRegistryTextCapacity = 512;
 // Empty if the value can't be read. The type isn't looked at here either.
 CString QueryRegText(HKEY hKey, const wchar_t* pszValueName);
 
+// The same over what the buffer holds: of that all stays behind data without a terminator. False if the value can't be
+// read.
+bool QueryRegText(HKEY hKey, const wchar_t* pszValueName, wchar_t (&szText)[kRegistryTextCapacity]);
+
 // Store a value, making the key and its missing parents. Non-zero if it was stored.
 int WriteRegString(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, const wchar_t* pszText);
 int WriteRegDword(HKEY hRoot, const wchar_t* pszSubkey, const wchar_t* pszValueName, DWORD dwValue);

@@ -6,5 +6,5 @@
 // The text of an id; empty if the id has none.
 CString LoadResString(UINT nId);
 
-// The text of an id whose one placeholder is a text.
+// The text of an id, its one placeholder filled with a text.
 CString FormatResString(UINT nId, const wchar_t* pszArgument);

@@ -45,11 +45,9 @@ static CString ReadShellFolderValue(int nFolder)
 
 CString GetSpecialFolder(int nFolder)
 {
-    CString strFolder;
-    const HRESULT hr = SHGetFolderPathW(nullptr, nFolder | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT,
-                                        strFolder.GetBuffer(MAX_PATH));
-    strFolder.ReleaseBuffer();
-    return hr >= 0 ? strFolder : ReadShellFolderValue(nFolder);
+    wchar_t szFolder[MAX_PATH] = L"";
+    const HRESULT hr = SHGetFolderPathW(nullptr, nFolder | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT, szFolder);
+    return hr >= 0 ? CString(szFolder) : ReadShellFolderValue(nFolder);
 }
 
 bool IsFolderPath(const CString& strFolder)
@@ -59,10 +57,9 @@ bool IsFolderPath(const CString& strFolder)
 
 CString GetModulePath()
 {
-    CString strPath;
-    GetModuleFileNameW(nullptr, strPath.GetBuffer(MAX_PATH), MAX_PATH);
-    strPath.ReleaseBuffer();
-    return strPath;
+    wchar_t szPath[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, szPath, _countof(szPath));
+    return szPath;
 }
 
 CString GetProgramFilesFolder()
@@ -71,8 +68,9 @@ CString GetProgramFilesFolder()
         ReadRegString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir");
     if (strFolder.IsEmpty())
     {
-        GetWindowsDirectoryW(strFolder.GetBuffer(MAX_PATH), MAX_PATH);
-        strFolder.ReleaseBuffer();
+        wchar_t szWindows[MAX_PATH] = L"";
+        GetWindowsDirectoryW(szWindows, _countof(szWindows));
+        strFolder = szWindows;
         strFolder = strFolder.Left(strFolder.Find(L'\\') + 1) + L"Program Files";
     }
     return CutTrailingBackslash(strFolder);

@@ -24,7 +24,7 @@ static void ChooseTempFolder(wchar_t (&szFolder)[kFolderCapacity], const wchar_t
     if (pszWanted != nullptr && PathExists(pszWanted))
         CopyBounded(szFolder, pszWanted);
     else
-        GetTempPathW(MAX_PATH, szFolder); // one less than there is room for: a wanted folder alone may fill it
+        GetTempPathW(MAX_PATH, szFolder); // a character less than a wanted folder may have
 
     const size_t cch = wcslen(szFolder);
     if (cch != 0 && (szFolder[cch - 1] == L'\\' || szFolder[cch - 1] == L'/'))

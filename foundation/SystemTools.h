@@ -13,7 +13,7 @@ int IsWow64Of(HANDLE hProcess);
 
 // Full path of a file that doesn't exist at this moment; nothing is made on disk. Null arguments stand for "TMP", "LUM"
 // and the temporary folder, which also replaces a folder that doesn't exist. The extension may begin with a full stop.
-// A folder that exists under more than 260 characters ends the process, as CopyBounded does.
+// An existing folder whose path has more than 260 characters ends the process, as CopyBounded does.
 CString MakeTempName(const wchar_t* pszExtension, const wchar_t* pszPrefix, const wchar_t* pszFolder);
 
 // Process id of the parent, 0 when not found. With a buffer (capacity in characters), the path of the parent's program

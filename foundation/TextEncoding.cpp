@@ -28,10 +28,11 @@ struct MessageSource
 } // namespace
 
 // Two hyphens in each, a space in the second only, an ampersand in the first only: all of it is meant to be there.
-static const Encoder kPostEncoder = { L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.&+-!'*\"(),;/#?:", L' ', L"+" };
-static const Encoder kQueryEncoder = { L" ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.+-!'*\"(),;/#?:", L'&', L"(AND)" };
+static constexpr Encoder kPostEncoder = { L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.&+-!'*\"(),;/#?:", L' ', L"+" };
+static constexpr Encoder kQueryEncoder = { L" ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789$-_@.+-!'*\"(),;/#?:", L'&',
+                                           L"(AND)" };
 
-static const MessageSource kMessageSources[] = {
+static constexpr MessageSource kMessageSources[] = {
     { 2100, 2999, L"netmsg.dll" },
     { 12000, 12190, L"wininet.dll" },
 };

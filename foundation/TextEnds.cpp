@@ -1,5 +1,6 @@
 #include "foundation/TextEnds.h"
 
+#include <afx.h>
 #include <wchar.h>
 
 bool StartsWith(const wchar_t* pszText, const wchar_t* pszBeginning)

@@ -14,7 +14,7 @@
 
 CString FindInstalledFolder()
 {
-    CString strFolder = ReadRegString(HKEY_LOCAL_MACHINE, kProductKey, L"Path");
+    CString strFolder = ReadRegString(HKEY_LOCAL_MACHINE, kProductKey, kFolderValue);
     if (strFolder.IsEmpty())
     {
         const CString strExe = ReadRegString(HKEY_LOCAL_MACHINE, kAppPathsKey, nullptr);
@@ -28,7 +28,7 @@ void TakeOverKind()
 {
     if (g_nInstallKind >= KIND_PORTABLE)
         return;
-    const bool bAllUsers = ReadRegString(HKEY_LOCAL_MACHINE, kProductKey, L"AllUsers") == L"B";
+    const bool bAllUsers = ReadRegString(HKEY_LOCAL_MACHINE, kProductKey, kKindValue) == kAllUsersLetter;
     g_nInstallKind = bAllUsers ? KIND_ALL_USERS : KIND_CURRENT_USER;
 }
 
@@ -94,8 +94,8 @@ void TakeOverGroup()
         TakeGroupFromLog(secondLog);
 }
 
-// Tries to write a file in the common Startup folder. What comes of it decides nothing, and a file that could not be
-// opened stays: not to be tidied away, since without this a run would leave other traces there.
+// Makes a file in the common Startup folder and deletes it. Decides nothing. Not to be tidied away: a file that can't
+// be opened stays, and that is a visible trace.
 static void ProbeFolder(const wchar_t* pszFolder)
 {
     wchar_t szProbe[MAX_PATH] = L"";

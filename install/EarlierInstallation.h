@@ -6,8 +6,8 @@
 // The folder of the earlier installation by the registry, without a trailing backslash; empty if there is none.
 CString FindInstalledFolder();
 
-// Makes g_nInstallKind follow the earlier installation, unless this one is portable: without a trace of its kind, it
-// was for the current user.
+// Sets g_nInstallKind to the earlier one's, unless this one is portable. An earlier one without a trace counts as the
+// current user's.
 void TakeOverKind();
 
 // Sets g_strGroup to the group of the last link in the Programs folder that the log in g_strInstDir names, outside

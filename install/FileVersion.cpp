@@ -1,5 +1,6 @@
 #include "install/FileVersion.h"
 
+#include <afx.h>
 #include <stdlib.h>
 
 #include "app/RunState.h"

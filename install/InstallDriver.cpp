@@ -77,7 +77,7 @@ static void CreateProgramGroup()
     g_strGroup.Trim(kPathTrim);
 
     const CString strGroupFolder = strPrograms + L"\\" + g_strGroup;
-    // The separator, and at least one character of the group's name.
+    // The search starts behind the separator and the group's first character: the programs folder isn't made.
     CreateFoldersAbove(strGroupFolder, strPrograms.GetLength() + 2);
     CreateDirectoryW(strGroupFolder, nullptr);
     AppendLogLine(g_strInstDir + kFileListPath, kMadeDir + strGroupFolder);

@@ -1,6 +1,6 @@
 // The switches of an install.
 #pragma once
 
-// Sets the run state by the arguments, all of them scanned. A folder among them, less the quote and the separator that
-// it may end in, becomes g_strInstDir; without one that stays as it is. Other arguments are ignored.
+// Scans all arguments and sets the run state by them. A folder among them, its closing quote and separator cut off,
+// becomes g_strInstDir; without a folder that stays. Other arguments are ignored.
 void ScanInstallSwitches();

@@ -8,10 +8,21 @@
 #include "foundation/SystemFacts.h"
 #include "install/FileReplacement.h"
 
-// True if the machine's own search finds the library. The package's copy lies beside the running setup, where that
-// search would meet it, so it is hidden under another name meanwhile. On a read-only medium that fails, and the
-// package's copy is taken for the machine's.
-static bool LoadsWithoutPackage(const wchar_t* pszValue)
+namespace
+{
+struct CopyRule
+{
+    const wchar_t* pszPrefix;
+    bool bApplies;
+    bool bUnlessFound; // not where the machine has the library anyway
+    CString strTargetFolder;
+};
+} // namespace
+
+// Loads the library and frees it again: true if the machine's own search finds it. The package's copy lies beside the
+// running setup, where that search would meet it, so it is hidden under another name meanwhile. On a read-only medium
+// that fails, and the package's copy is taken for the machine's.
+static bool TryLibraryOfMachine(const wchar_t* pszValue)
 {
     CString strName;
     CString strTarget;
@@ -36,18 +47,8 @@ static void CopyRecord(const wchar_t* pszValue, const CString& strTargetFolder)
         CopyMatchingFiles(pszValue, g_strSourceDir, strTargetFolder);
 }
 
-namespace
-{
-struct CopyRule
-{
-    const wchar_t* pszPrefix;
-    bool bApplies;
-    bool bUnlessFound; // not where the machine has the library anyway
-    CString strTargetFolder;
-};
-} // namespace
-
-// A folder is made one level deep, no parents: ahead of the first copied file the install folder may not be there yet.
+// A folder record makes one level and no parents. So one ahead of the first file makes nothing where the install folder
+// isn't there yet.
 template <size_t nRules>
 static void ProcessLine(const wchar_t* pszLine, const CopyRule (&rules)[nRules])
 {
@@ -56,7 +57,7 @@ static void ProcessLine(const wchar_t* pszLine, const CopyRule (&rules)[nRules])
         const wchar_t* pszFile = FindRecordValue(pszLine, rule.pszPrefix);
         if (pszFile == nullptr)
             continue;
-        if (rule.bApplies && !(rule.bUnlessFound && LoadsWithoutPackage(pszFile)))
+        if (rule.bApplies && !(rule.bUnlessFound && TryLibraryOfMachine(pszFile)))
             CopyRecord(pszFile, rule.strTargetFolder);
         return;
     }
@@ -68,7 +69,7 @@ void ProcessPackageList(const wchar_t* pszList)
 {
     const bool bWow64 = IsWow64() != 0;
     const bool bPortable = g_nInstallKind == KIND_PORTABLE;
-    const CopyRule kRules[] = {
+    const CopyRule rules[] = {
         { kFileCopy, true, false, g_strInstDir },
         { kFileCopyX64, bPortable || bWow64, false, g_strInstDir },
         { kFileCopyPortable, bPortable, false, CutLastPart(g_strInstDir) }, // beside the folder
@@ -76,7 +77,7 @@ void ProcessPackageList(const wchar_t* pszList)
     };
     CInstallLogReader list(pszList);
     while (list.ReadLine())
-        ProcessLine(list.Line(), kRules);
+        ProcessLine(list.Line(), rules);
 }
 
 // The folder that the matches of a mask go to, with a backslash at its end.

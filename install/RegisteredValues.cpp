@@ -7,19 +7,6 @@
 #include "foundation/StringTable.h"
 #include "res/resource.h"
 
-// Windows 8 and later are offered the product's class, earlier ones its entry among the applications.
-static const wchar_t* GetAssociationTarget()
-{
-    const bool bWindows8 =
-        g_osVersion.dwMajorVersion > 6 || (g_osVersion.dwMajorVersion == 6 && g_osVersion.dwMinorVersion >= 2);
-    return bWindows8 ? kProductClass : kProductApplication;
-}
-
-static CString GetOpenCommand()
-{
-    return L"\"" + g_strInstDir + kProductExePath + L"\" \"%1\"";
-}
-
 template <typename... Numbers>
 static CString FormatNumbers(const wchar_t* pszFormat, Numbers... numbers)
 {
@@ -28,18 +15,30 @@ static CString FormatNumbers(const wchar_t* pszFormat, Numbers... numbers)
     return szText;
 }
 
-// Of the version the fourth part is left out, and the first two stand as text and as numbers, which is not to be tidied
-// away. A later run tells the kinds apart by the letters of "AllUsers".
+static CString GetOpenCommand()
+{
+    return L"\"" + g_strInstDir + kProductExePath + L"\" \"%1\"";
+}
+
+// Windows 8 and later are offered the product's class, earlier ones its entry among the applications.
+static const wchar_t* GetAssociationTarget()
+{
+    const bool bWindows8 =
+        g_osVersion.dwMajorVersion > 6 || (g_osVersion.dwMajorVersion == 6 && g_osVersion.dwMinorVersion >= 2);
+    return bWindows8 ? kProductClass : kProductApplication;
+}
+
+// The version's fourth part is left out. The first two stand as texts and as numbers. Not to be tidied away.
 void ForEachRegisteredValue(void (*pfnVisit)(const RegisteredValue& value, LPARAM lParam), LPARAM lParam)
 {
     const HKEY hMachine = HKEY_LOCAL_MACHINE;
     const HKEY hClasses = HKEY_CLASSES_ROOT;
     const CString strVersion = FormatNumbers(L"%d.%02d.%02d", g_nVerMajor, g_nVerMinor, g_nVerFix);
     RegisteredValue values[] = {
-        { hMachine, kProductKey, L"AllUsers", g_nInstallKind == KIND_ALL_USERS ? L"B" : L"A" },
-        { hMachine, kProductKey, L"Path", g_strInstDir },
+        { hMachine, kProductKey, kKindValue, g_nInstallKind == KIND_ALL_USERS ? kAllUsersLetter : L"A" },
+        { hMachine, kProductKey, kFolderValue, g_strInstDir },
         { hClasses, kClassOpenKey, nullptr, GetOpenCommand() },
-        { hMachine, kFileAssociationsKey, nullptr, GetAssociationTarget(), nullptr, true },
+        { hMachine, kFileAssociationsKey, nullptr, GetAssociationTarget(), true },
         { hMachine, kRegisteredApplicationsKey, kProductClass, kCapabilitiesKey },
         { hMachine, kAppPathsKey, nullptr, g_strInstDir + kProductExePath },
         { hMachine, kAppPathsKey, L"Path", g_strInstDir },
@@ -49,8 +48,8 @@ void ForEachRegisteredValue(void (*pfnVisit)(const RegisteredValue& value, LPARA
         { hMachine, kUninstallKey, L"DisplayVersion", strVersion },
         { hMachine, kUninstallKey, L"VersionMajor", FormatNumbers(L"%d", g_nVerMajor) },
         { hMachine, kUninstallKey, L"VersionMinor", FormatNumbers(L"%d", g_nVerMinor) },
-        { hMachine, kUninstallKey, L"MajorVersion", L"", &g_nVerMajor },
-        { hMachine, kUninstallKey, L"MinorVersion", L"", &g_nVerMinor },
+        { hMachine, kUninstallKey, L"MajorVersion", g_nVerMajor },
+        { hMachine, kUninstallKey, L"MinorVersion", g_nVerMinor },
         { hMachine, kUninstallKey, L"Publisher", kPublisherName },
         { hMachine, kUninstallKey, L"UninstallString", g_strInstDir + kUninstallerPath },
         { hMachine, kUninstallKey, L"URLInfoAbout", kHomePageAddress },

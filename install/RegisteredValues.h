@@ -3,14 +3,15 @@
 
 #include <afx.h>
 
+#include <variant>
+
 struct RegisteredValue
 {
     HKEY hRoot;
     const wchar_t* pszKey;
     const wchar_t* pszName; // null: the default value
-    CString strText;
-    const unsigned int* pnNumber = nullptr; // in the place of the text, if there is one
-    bool bEachFormat = false;               // one value for each image format, by whose name it goes
+    std::variant<CString, unsigned int> data;
+    bool bEachFormat = false; // one value for each image format, named by its extension
 };
 
 // Calls the function for each value, in the order in which they are written, with the texts and numbers for the folder,

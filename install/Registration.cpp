@@ -11,10 +11,10 @@
 
 static void Write(const RegisteredValue& value, LPARAM)
 {
-    if (value.pnNumber != nullptr)
-        WriteRegDword(value.hRoot, value.pszKey, value.pszName, *value.pnNumber);
+    if (const unsigned int* pnNumber = std::get_if<unsigned int>(&value.data))
+        WriteRegDword(value.hRoot, value.pszKey, value.pszName, *pnNumber);
     else
-        WriteRegString(value.hRoot, value.pszKey, value.pszName, value.strText);
+        WriteRegString(value.hRoot, value.pszKey, value.pszName, *std::get_if<CString>(&value.data));
 }
 
 static void RegisterThumbnailHandler()

@@ -1,4 +1,3 @@
-// The application object.
 #include <afxwin.h>
 
 #include <stdlib.h>

@@ -1,10 +1,9 @@
-// The framework's exceptions: permanent objects, so that throwing needs no memory.
 #include <afx.h>
 
 #include <stdlib.h>
 
-// The library's default for an exception that nothing catches, where a program sets no handler. Its own first tells the
-// exception's type on a console that a Windows program hasn't got, and brings a demangler, 60 KB of setup.exe's code.
+// Replaces the library's handler. That one prints to a console that a Windows program hasn't got, and its demangler
+// adds 60 KB to setup.exe.
 namespace __gnu_cxx
 {
 void __verbose_terminate_handler()

@@ -19,6 +19,7 @@ static HWND NextInGroup(HWND hWnd)
     hWnd = GetWindow(hWnd, GW_HWNDNEXT);
     return hWnd && (GetWindowLongW(hWnd, GWL_STYLE) & WS_GROUP) == 0 ? hWnd : nullptr;
 }
+
 CDataExchange::CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate)
     : m_bSaveAndValidate(bSaveAndValidate), m_pDlgWnd(pDlgWnd)
 {

@@ -1,10 +1,7 @@
-// The guard that holds a lock.
 #include <afxmt.h>
 
 CSingleLock::CSingleLock(CSyncObject* pObject, BOOL bInitialLock) : m_pObject(pObject), m_bAcquired(FALSE)
 {
-    if (!pObject)
-        AfxThrowInvalidArgException();
     if (bInitialLock)
         m_bAcquired = pObject->Lock();
 }

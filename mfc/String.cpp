@@ -1,5 +1,4 @@
-// The framework's strings, for both character types: their memory, their making, formats and resources. Whatever
-// inserts or deletes text goes through Splice, which copes with text that is part of the string itself.
+// Whatever inserts or deletes text goes through Splice, which copes with text that is part of the string itself.
 #include "mfc/StringParts.h"
 
 static void CopyText(CStringW& str, const wchar_t* pchText, int nLength)

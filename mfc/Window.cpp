@@ -114,15 +114,7 @@ HWND CWnd::UnsubclassWindow()
 
 BOOL CWnd::DestroyWindow()
 {
-    const HWND hWnd = m_hWnd;
-    if (!hWnd)
-        return FALSE;
-    const BOOL bDestroyed = ::DestroyWindow(hWnd);
-    // By now the object itself may be gone. One that was only attached hasn't heard of the end.
-    CWnd* pLeft = bDestroyed ? FromHandlePermanent(hWnd) : nullptr;
-    if (pLeft)
-        pLeft->Detach();
-    return bDestroyed;
+    return m_hWnd && ::DestroyWindow(m_hWnd);
 }
 
 LRESULT CALLBACK CWnd::Dispatch(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)

@@ -24,7 +24,7 @@ class CMutex : public CSyncObject
 
 public:
     // Opens the mutex of that name or makes it; ends in AfxThrowResourceException if there is none to be had.
-    explicit CMutex(BOOL bInitiallyOwn = FALSE, LPCTSTR lpszName = NULL);
+    CMutex(BOOL bInitiallyOwn, LPCTSTR lpszName);
 
     virtual BOOL Unlock();
 };

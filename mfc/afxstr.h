@@ -92,8 +92,7 @@ public:
     friend bool operator!=(const CStringT& str1, PCXSTR psz2) { return str1.Compare(psz2) != 0; }
     friend bool operator<(const CStringT& str1, const CStringT& str2) { return str1.Compare(str2) < 0; }
 
-    // What nobody needs, but would compile without these: as an addition to a text's address, and as comparisons of
-    // two.
+    // Deleted, since they would compile by way of the text's address.
     friend CStringT operator+(XCHAR ch1, const CStringT& str2) = delete;
     friend bool operator>(const CStringT& str1, const CStringT& str2) = delete;
     friend bool operator<=(const CStringT& str1, const CStringT& str2) = delete;

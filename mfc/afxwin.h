@@ -165,11 +165,8 @@ public:
     // The window that a box or dialog belongs to: the last popup of the main window; null without a main window.
     static CWnd* PASCAL GetSafeOwner();
 
-    BOOL Attach(HWND hWndNew);
-    HWND Detach();
     // Attaches the window and passes its messages through WindowProc.
     BOOL SubclassWindow(HWND hWnd);
-    HWND UnsubclassWindow();
     // Destroys the window, not the object. False without a window; a class may refuse in the same way.
     virtual BOOL DestroyWindow();
 
@@ -207,6 +204,9 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    BOOL Attach(HWND hWndNew);
+    HWND Detach();
+    HWND UnsubclassWindow();
     static LRESULT CALLBACK Dispatch(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static CWnd* FindIn(CWnd* pList, HWND hWnd);
     static void DropTemporary();

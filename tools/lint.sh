@@ -17,6 +17,30 @@ for test in tests/*/*.cpp; do
     if [ "$name" = "${name%Test}" ] && grep -nHE '^TEST(_F)?\(' "$test"; then exit 1; fi
 done
 
+echo "Platform headers ahead of the framework"
+# A file may meet the framework by way of a header of ours.
+mapfile -t own < <(git ls-files -- {app,wizard,install,uninstall,foundation,mfc}/'*.'{cpp,h})
+awk '
+function meets(file, line, met, part) {
+    if (file in done) return done[file]
+    while ((getline line < file) > 0) {
+        if (line ~ /^#include <(afx|atl)/) met = 1
+        else if (line ~ /^#include "/) { split(line, part, "\""); if (meets(part[2])) met = 1 }
+        else if (line ~ /^#include <windows\.h>/ || (!met && line ~ /^#include </ && line !~ standard)) {
+            print file ": " line
+            bad = 1
+        }
+    }
+    close(file)
+    return done[file] = met
+}
+BEGIN {
+    standard = "<([a-z_]+|(assert|ctype|errno|float|limits|math|std[a-z]+|string|time|wchar|wctype)\\.h)>"
+    done["mfc/afx.h"] = 1
+    for (i = 1; i < ARGC; i++) meets(ARGV[i])
+    exit bad
+}' "${own[@]}"
+
 echo "Compiler warnings as errors"
 tools/build.sh release >/dev/null
 

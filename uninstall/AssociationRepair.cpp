@@ -10,7 +10,7 @@
 #include "foundation/RegistryValues.h"
 #include "foundation/SystemFacts.h"
 
-static const wchar_t kUserChoice[] = L"UserChoice";
+static constexpr wchar_t kUserChoice[] = L"UserChoice";
 
 // Before Windows Vista: what to put back, by the index of g_aAssocExts; empty for nothing.
 static wchar_t g_aSavedAssoc[kAssocExtCount][kRegistryTextCapacity];
@@ -61,10 +61,15 @@ static void Survey(const AssociationBase& base, int nIndex)
         return;
     }
 
-    const CString strAssociation = QueryRegText(extension, base.pszValueName);
-    g_aAssocExts[nIndex].nFlag = PointsAtProduct(strAssociation);
-    CopyBounded(g_aSavedAssoc[nIndex],
-                PointsAtProduct(strAssociation) ? QueryRegText(extension, kSavedAssociation) : strAssociation);
+    // One buffer for both texts, which is not to be tidied away: what was saved without a terminator, or of no bytes at
+    // all, is taken with what it leaves of the association.
+    wchar_t szText[kRegistryTextCapacity] = L"";
+    if (!QueryRegText(extension, base.pszValueName, szText))
+        return;
+    const bool bOurs = PointsAtProduct(szText);
+    g_aAssocExts[nIndex].nFlag = bOurs;
+    if (!bOurs || QueryRegText(extension, kSavedAssociation, szText))
+        CopyBounded(g_aSavedAssoc[nIndex], szText);
 }
 
 // True if the association was the product's: that counts as a change, even if the platform refused it.

@@ -3,7 +3,7 @@
 #include "app/RunState.h"
 #include "foundation/ProcessStop.h"
 
-static const wchar_t kDeletionKey[] = L"NUL=";
+static constexpr wchar_t kDeletionKey[] = L"NUL=";
 
 // Adds a deletion behind the entries of the profile section. Returns what WritePrivateProfileSectionW gave. A section
 // that would be too long ends the process.

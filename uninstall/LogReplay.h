@@ -11,7 +11,8 @@ void RemoveLoggedFiles(const wchar_t* pszLog, const wchar_t* pszFolder, const wc
 void RemoveLoggedLinks(const wchar_t* pszLog);
 
 // Deletes all matches of a mask, which may hold a relative subfolder, in a folder, which may be empty; read-only and
-// hidden ones too. What can't be deleted goes on the boot list. Returns the number deleted at once.
+// hidden ones too. What can't be deleted goes on the boot list. Returns the number deleted at once. Folder and file
+// name together: at most 263 characters.
 int DeleteMatchingFiles(const wchar_t* pszFolder, const wchar_t* pszMask);
 
 // The number of matches of a mask in a folder, without "." and "..". Folder and mask together: at most 518 characters.

@@ -72,14 +72,14 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
     const REGSAM samHosts = IsWow64() ? KEY_WOW64_64KEY : 0;
 
     // The company's key can go only once the product's has gone.
-    const Removal kOwnKeys[] = {
+    const Removal ownKeys[] = {
         { HKEY_LOCAL_MACHINE, szProduct, REMOVE_TREE, nullptr },
         { HKEY_CURRENT_USER, szProduct, REMOVE_TREE, nullptr },
         { HKEY_LOCAL_MACHINE, szCompany, REMOVE_IF_CHILDLESS, nullptr },
         { HKEY_CURRENT_USER, szCompany, REMOVE_IF_CHILDLESS, nullptr },
         { HKEY_LOCAL_MACHINE, szApplication, REMOVE_TREE, nullptr },
     };
-    for (const Removal& removal : kOwnKeys)
+    for (const Removal& removal : ownKeys)
         Remove(removal);
 
     ForEachUserHive(
@@ -90,7 +90,7 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
             DeleteRegTree(hUser, szApplication);
         });
 
-    const Removal kSystemEntries[] = {
+    const Removal systemEntries[] = {
         { HKEY_CLASSES_ROOT, kDocumentClass, REMOVE_TREE, nullptr },
         { HKEY_CLASSES_ROOT, kProductClass, REMOVE_TREE, nullptr },
         { HKEY_LOCAL_MACHINE, kUninstallListKey, REMOVE_CHILD_KEY, pszUninstallKey },
@@ -99,6 +99,6 @@ void RemoveProductRegistry(const wchar_t* pszCompany, const wchar_t* pszProduct,
         { HKEY_LOCAL_MACHINE, kMessagingHostsKey, REMOVE_CHILD_TREE, kMessagingHost, samHosts },
         { HKEY_CURRENT_USER, kMessagingHostsKey, REMOVE_CHILD_TREE, kMessagingHost, samHosts },
     };
-    for (const Removal& removal : kSystemEntries)
+    for (const Removal& removal : systemEntries)
         Remove(removal);
 }

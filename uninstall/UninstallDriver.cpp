@@ -49,11 +49,11 @@ static void RemoveNestingFolder(const CString& strFolder)
 // ends in a backslash already: two in a row are harmless.
 static void RemoveFolders(const CString& strFolder)
 {
-    const CString strX64 = strFolder + L"\\x64";
+    const CString strX64 = strFolder + L"\\" + kX64Folder;
     if (!RemoveDirectoryW(strX64))
         DeleteAtReboot(strX64);
 
-    const CString strX32 = strFolder + L"\\x32";
+    const CString strX32 = strFolder + L"\\" + kX32Folder;
     if (!RemoveDirectoryW(strX32) && PathExists(strX32))
         DeleteAtReboot(strX32);
 

@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include "app/Product.h"
 #include "foundation/Owners.h"
 #include "res/resource.h"
 
@@ -23,11 +24,11 @@ void CAgreementDlg::DoDataExchange(CDataExchange* pDX)
 }
 
 // The file is UTF-16 in the machine's byte order; a byte-order mark stays in the text. It is looked for in the current
-// folder, and without one the text is empty.
+// folder. Without the file the text is empty.
 static CString ReadAgreement()
 {
     CString strText;
-    const CStreamOwner file(_wfopen(L"agreement.txt", L"rb"));
+    const CStreamOwner file(_wfopen(kAgreementFile, L"rb"));
     if (!file.IsOpen())
         return strText;
 

@@ -5,6 +5,7 @@
 #include "app/Product.h"
 #include "app/RunState.h"
 #include "foundation/DiskFiles.h"
+#include "foundation/Owners.h"
 #include "foundation/StringTable.h"
 #include "foundation/TextEnds.h"
 #include "res/resource.h"
@@ -97,11 +98,9 @@ static LPITEMIDLIST BrowseForFolder(HWND hOwner)
 
 static void FreeItemList(LPITEMIDLIST pItems)
 {
-    IMalloc* pMalloc = nullptr;
-    if (FAILED(SHGetMalloc(&pMalloc)))
-        return;
-    pMalloc->Free(pItems);
-    pMalloc->Release();
+    CInterfaceOwner<IMalloc> memory;
+    if (SUCCEEDED(SHGetMalloc(memory.Receive())))
+        memory->Free(pItems);
 }
 
 void CFolderDlg::OnBrowse()

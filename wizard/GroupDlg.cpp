@@ -36,8 +36,8 @@ BOOL CGroupDlg::OnInitDialog()
 static bool IsStartupName(CString strName)
 {
     strName.MakeLower();
-    const int kStartupFolders[] = { CSIDL_STARTUP, CSIDL_COMMON_STARTUP };
-    for (const int nFolder : kStartupFolders)
+    const int startupFolders[] = { CSIDL_STARTUP, CSIDL_COMMON_STARTUP };
+    for (const int nFolder : startupFolders)
     {
         CString strStartup = GetSpecialFolder(nFolder);
         strStartup = strStartup.Mid(strStartup.ReverseFind(L'\\') + 1);

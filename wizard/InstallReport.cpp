@@ -6,7 +6,7 @@
 #include "foundation/StringTable.h"
 #include "res/resource.h"
 
-// Names the version behind the fixed digit 8.
+// Puts the version behind the name, whose own digit 8 stands for the major part.
 static CString GetInstalledText()
 {
     CString strVersion;

@@ -75,7 +75,7 @@ BOOL CSetupDlg::OnCommand(WPARAM wParam, LPARAM lParam)
     return TRUE;
 }
 
-// The page's own DestroyWindow is its veto. True if there is no page left to leave.
+// The page's own DestroyWindow is its veto. False if the page refuses to go.
 bool CSetupDlg::LeavePage()
 {
     if (m_pPage == nullptr || m_nPage >= PAGE_INSTALL)
@@ -130,7 +130,7 @@ void CSetupDlg::OnOK()
 
 void CSetupDlg::CreatePage()
 {
-    static const Page kPages[] = {
+    static constexpr Page kPages[] = {
         { NewPage<CIntoDlg>, IDD_INTRO },    { NewPage<CAgreementDlg>, IDD_AGREEMENT },
         { NewPage<CFolderDlg>, IDD_FOLDER }, { NewPage<CGroupDlg>, IDD_GROUP },
         { NewPage<CStartDlg>, IDD_START },   { NewPage<CStartDlg>, IDD_START },
@@ -198,8 +198,8 @@ void CSetupDlg::EndWizard()
     CDialog::OnOK();
 }
 
-// After a veto the lowered number stays. The next step forward then leads to the page before this one, not to the one
-// behind it. Not to be tidied away.
+// After a veto the lowered number stays, and the next step forward leads to the page before this one. Not to be tidied
+// away.
 void CSetupDlg::OnBack()
 {
     m_nPage -= 2;

@@ -202,11 +202,12 @@ TEST_F(Uninstall, AssociationsAreRepairedFormatByFormat)
         { 6,
           L".bmp\\UserChoice,Progid,x.Applications\\Lumacap8.exe.y|.bmp,LumacapOld,older|"
           L".lcp,LumacapOld,older|.png\\UserChoice,Progid,applications\\Lumacap8.exe",
-          L"\\.bmp\\|\\.lcp\\|\\.png\\UserChoice : Progid = applications\\Lumacap8.exe" },
+          L"\\.bmp\\|\\.gif\\|\\.lcp\\|\\.png\\UserChoice : Progid = applications\\Lumacap8.exe" },
         { 5,
-          L".dib,Application,Lumacap8.exe|.png,Application,lumacap8.EXE|.png,LumacapOld,older|"
-          L".lcp,Application,Applications\\Lumacap8.exe|.lcp,LumacapOld,older",
-          L"\\.dib\\|\\.lcp : Application = older|\\.png : Application = lumacap8.EXE|\\.png : LumacapOld = older" },
+          L".dib,Application,Lumacap8.exe|.gif,Application,Lumacap8.exe|.png,Application,lumacap8.EXE|"
+          L".png,LumacapOld,older|.lcp,Application,Applications\\Lumacap8.exe|.lcp,LumacapOld,older",
+          L"\\.dib\\|\\.gif : Application = oldacap8.exe|\\.lcp : Application = older|"
+          L"\\.png : Application = lumacap8.EXE|\\.png : LumacapOld = older" },
     };
     const std::wstring strKey = kExplorer + L"FileExts";
     UINT_PTR nTold = 0;
@@ -219,6 +220,7 @@ TEST_F(Uninstall, AssociationsAreRepairedFormatByFormat)
             const TEXTS parts = Split(strValue, L',');
             SetKeyText(kUser, strKey + L"\\" + parts[0], parts[1], parts[2]);
         }
+        RegSetKeyValueW(kUser, (strKey + L"\\.gif").c_str(), L"LumacapOld", REG_BINARY, L"old", 6); // unterminated
         SCOPED_TRACE(nMajor);
         g_osVersion.dwMajorVersion = nMajor;
         nTold = 0;

@@ -19,7 +19,7 @@ namespace
 BOOL CALLBACK ExpectFits(HWND hWnd, LPARAM)
 {
     wchar_t szText[500] = L"";
-    GetWindowTextW(hWnd, szText, 500);
+    GetWindowTextW(hWnd, szText, _countof(szText));
     const HDC hDC = GetDCEx(hWnd, nullptr, DCX_CACHE);
     RECT shown;
     GetClipBox(hDC, &shown);

@@ -21,7 +21,7 @@ static std::wstring TextOf(HWND hWnd)
 static std::wstring ClassOf(HWND hWnd)
 {
     wchar_t szClass[64] = L"";
-    GetClassNameW(hWnd, szClass, 64);
+    GetClassNameW(hWnd, szClass, _countof(szClass));
     return szClass;
 }
 

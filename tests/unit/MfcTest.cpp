@@ -132,7 +132,7 @@ TEST_F(Mfc, ArraysGrowWithEmptyElementsAndOutOfRangeThrows)
 
 TEST_F(Mfc, LockHoldsTheMutexForItsLifeAlsoAfterADeadOwner)
 {
-    CMutex mutex;
+    CMutex mutex(FALSE, nullptr);
     {
         const CSingleLock lock(&mutex, TRUE);
         EXPECT_TRUE(mutex.Unlock());

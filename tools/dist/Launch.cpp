@@ -4,7 +4,7 @@
 #include <shellapi.h>
 
 // Characters that the system starts a program with, and those of the longest path, at most.
-const int kMostCharacters = 0x8000;
+static constexpr int kMostCharacters = 0x8000;
 
 static bool IsBlank(wchar_t ch)
 {

@@ -17,7 +17,7 @@ struct FindingText
 };
 } // namespace
 
-static const FindingText kTexts[] = {
+static constexpr FindingText kTexts[] = {
     { FINDING_BYTE_ORDER_MARK, L"byte-order-mark",
       L"The mark counts as part of the first line: a record there is taken for a remark.",
       L"Save the list as plain 8-bit text without a mark." },
@@ -111,8 +111,8 @@ static const FindingText kTexts[] = {
       L"Name this folder once more, behind %1." },
     { FINDING_LIST_NAMED, L"list-named",
       L"The list is open while it is worked through at a removal and goes on the boot list: if the product is "
-      L"installed again before the next start, that start deletes the new list. A folder of its name is renamed to "
-      L"LumUnInst.log.old, and the target folder stays.",
+      L"installed again before the next start, that start deletes the new list. A folder of its name is renamed "
+      L"to " FILE_LIST_NAME L".old, and the target folder stays.",
       L"Leave it out, and out of masks: an install copies the list by itself." },
     { FINDING_FILE_UNNAMED, L"file-unnamed", L"No record copies the file: it isn't installed.",
       L"Add \"File Copy: %1\", or take the file out of the package." },

@@ -30,8 +30,8 @@ struct Name
 };
 } // namespace
 
-// Installs of the usual kind go to "C:\Program Files\Lumacap 8", which leaves so many characters of the system's 259.
-static const int kLongestPath = 232;
+// What the system's limit leaves below the folder that installs of the usual kind go to.
+static constexpr int kLongestPath = MAX_PATH - static_cast<int>(_countof(L"C:\\Program Files\\" PRODUCT_NAME L"\\"));
 
 static std::vector<Name> NamesIn(const CString& strFolder)
 {
@@ -129,7 +129,7 @@ static CString Compose(const FolderContent& content, bool bHasUninstaller, const
             made.insert(strFolder);
     }
     if (!bHasUninstaller)
-        strList += Line(kFileCopy, L"setup.exe > LumUnInst.exe");
+        strList += Line(kFileCopy, CString(L"setup.exe > ") + kUninstallerName);
     for (const CString& strFolder : content.folders)
         if (made.count(strFolder) == 0)
             strList += Line(kMakeDir, strFolder);

@@ -52,11 +52,12 @@ bool ReadValue(const RegisteredValue& value, CString& strText)
         DWORD dwNumber;
     } data;
     DWORD cb = sizeof(data);
-    const DWORD dwType = value.pnNumber != nullptr ? RRF_RT_REG_DWORD : RRF_RT_REG_SZ | RRF_NOEXPAND;
+    const bool bNumber = std::holds_alternative<unsigned int>(value.data);
+    const DWORD dwType = bNumber ? RRF_RT_REG_DWORD : RRF_RT_REG_SZ | RRF_NOEXPAND;
     const LSTATUS status = RegGetValueW(value.hRoot, value.pszKey, value.pszName, dwType, nullptr, &data, &cb);
     if (status != ERROR_SUCCESS)
         strText = L"of another kind";
-    else if (value.pnNumber != nullptr)
+    else if (bNumber)
         strText.Format(L"%lu", data.dwNumber);
     else
         strText = data.szText;

@@ -8,7 +8,7 @@
 #include "install/FileVersion.h"
 #include "tools/pkgtool/PlannedRemoval.h"
 
-static const wchar_t kTail[] = L" | ";
+static constexpr wchar_t kTail[] = L" | ";
 
 namespace
 {
@@ -27,7 +27,7 @@ struct CountedOn
 };
 } // namespace
 
-static const RecordForm kRecordForms[] = {
+static constexpr RecordForm kRecordForms[] = {
     { kFileCopy, true, false, false },         { kFileCopyX64, true, false, false },
     { kFileCopyPortable, true, false, false }, { kFileCopyIfAbsent, true, false, false },
     { kFileOverwrite, false, true, false },    { kFileDel, false, true, false },
@@ -202,7 +202,7 @@ static bool IsOfSetup(const CString& strName)
 {
     if (strName.Find(L'\\') < 0 && FoldCase(strName).Find(L"SETUP.EXE") >= 0)
         return true;
-    for (const wchar_t* pszName : { kFileListName, L"agreement.txt" })
+    for (const wchar_t* pszName : { kFileListName, kAgreementFile })
     {
         if (strName.CompareNoCase(pszName) == 0)
             return true;
@@ -242,7 +242,7 @@ static void CheckFolder(const Package& package, const CString& strBelow, const s
     } while (FindNextFileW(find, &match));
 }
 
-static const CountedOn kCountedOn[] = {
+static constexpr CountedOn kCountedOn[] = {
     { kUninstallerName, FINDING_UNINSTALLER_MISSING },
     { kProductExe, FINDING_COUNTED_ON },
     { kHelpFile, FINDING_COUNTED_ON },

@@ -20,7 +20,7 @@ static const wchar_t* WhyUnreadable(const CString& strFolder)
         return L"there is no folder ";
     if ((dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         return L"this is a file, and no package's folder: ";
-    return L"there is no LumUnInst.log that can be read in ";
+    return L"there is no " FILE_LIST_NAME L" that can be read in ";
 }
 
 bool ReadPackage(const wchar_t* pszArgument, Package& package)

@@ -12,7 +12,7 @@
 // target comes first.
 CPendingList::CPendingList()
 {
-    const wchar_t kKey[] = L"System\\CurrentControlSet\\Control\\Session Manager";
+    static constexpr wchar_t kKey[] = L"System\\CurrentControlSet\\Control\\Session Manager";
     std::vector<wchar_t> list(0x80000);
     DWORD cb = (list.size() - 2) * sizeof(wchar_t);
     RegGetValueW(HKEY_LOCAL_MACHINE, kKey, L"PendingFileRenameOperations", RRF_RT_REG_MULTI_SZ, nullptr, list.data(),

@@ -44,7 +44,7 @@ void PrintPlan(const Package& package, InstallKind nKind)
         PrintEntries(L"A removal leaves:", plan.tree);
     }
     else
-        PrintEntries(L"No record brings LumUnInst.exe: there is no removal, and this stays:", plan.tree);
+        PrintEntries(L"No record brings " UNINSTALLER_NAME L": there is no removal, and this stays:", plan.tree);
     plan.tree.Boot();
     PrintEntries(L"The next start of the machine leaves:", plan.tree);
 }

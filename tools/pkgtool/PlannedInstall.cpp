@@ -286,7 +286,7 @@ static void MakeDirectory(const RecordCopy& copy, const wchar_t* pszValue)
 }
 
 // The 64-bit records are for portable installs too: no 64-bit program takes itself for a 32-bit one.
-static const PlannedAction kActions[] = {
+static constexpr PlannedAction kActions[] = {
     { kFileCopy, false, false, CopyToTarget },
     { kFileCopyX64, true, false, CopyToTarget },
     { kFileCopyPortable, true, false, CopyBesideTarget },

@@ -97,11 +97,11 @@ static void RemoveLinks(Plan& plan)
 
 static void RemoveFolders(CFileTree& tree)
 {
-    if (!tree.RemoveFolder(InTarget(L"x64")))
-        tree.RemoveAtBoot(InTarget(L"x64"));
-    if (!tree.RemoveFolder(InTarget(L"x32")) && tree.Exists(InTarget(L"x32")))
-        tree.RemoveAtBoot(InTarget(L"x32"));
-    if (!tree.RemoveFolder(kTarget) && tree.Exists(InTarget(L"x32")))
+    if (!tree.RemoveFolder(InTarget(kX64Folder)))
+        tree.RemoveAtBoot(InTarget(kX64Folder));
+    if (!tree.RemoveFolder(InTarget(kX32Folder)) && tree.Exists(InTarget(kX32Folder)))
+        tree.RemoveAtBoot(InTarget(kX32Folder));
+    if (!tree.RemoveFolder(kTarget) && tree.Exists(InTarget(kX32Folder)))
         tree.RemoveAtBoot(kTarget);
 }
 

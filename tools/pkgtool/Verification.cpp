@@ -132,13 +132,18 @@ static void VerifyEntries(Verification& result)
     ShowProgress(entries.size(), entries.size());
 }
 
+static bool EndsWithNoCase(const CString& strText, const CString& strEnd)
+{
+    return strText.Right(strEnd.GetLength()).CompareNoCase(strEnd) == 0;
+}
+
 // Takes up what an install appends. False for a line that is something else: one with two records has lost a character
 // that the log can't hold, and all behind it to the line's end.
 static bool NoteLogged(Verification& result, const CString& strLine)
 {
     const wchar_t* pszGroup = FindRecordValue(strLine, kMadeDir);
     const wchar_t* pszLink = FindRecordValue(strLine, kShellLink);
-    const bool bLink = pszLink != nullptr && strLine.Right(4).CompareNoCase(kLinkExtension) == 0;
+    const bool bLink = pszLink != nullptr && EndsWithNoCase(strLine, kLinkExtension);
     if ((pszGroup == nullptr && !bLink) || strLine.Find(kShellLink, 1) > 0)
         return false;
     if (pszGroup != nullptr)
@@ -182,8 +187,7 @@ static CString LinkPath(const CString& strFolder, UINT nName)
 
 static bool IsLinkOf(const CString& strPath, UINT nName)
 {
-    const CString strName = LinkPath(L"", nName);
-    return strPath.Right(strName.GetLength()).CompareNoCase(strName) == 0;
+    return EndsWithNoCase(strPath, LinkPath(L"", nName));
 }
 
 static void VerifyLink(Verification& result, const CString& strLink)
@@ -203,7 +207,7 @@ static void VerifyLinks(Verification& result)
     for (const auto& [strKey, strLink] : result.logged)
         VerifyLink(result, strLink);
     const bool bAll = g_nInstallKind == KIND_ALL_USERS;
-    const CString kUsual[] = {
+    const CString usual[] = {
         // Always made
         LinkPath(result.strGroup, IDS_PRODUCT_NAME),
         LinkPath(result.strGroup, IDS_HELP_LINK),
@@ -211,10 +215,10 @@ static void VerifyLinks(Verification& result)
         LinkPath(FindShellFolder(bAll ? CSIDL_COMMON_DESKTOPDIRECTORY : CSIDL_DESKTOP), IDS_PRODUCT_NAME),
         LinkPath(FindShellFolder(bAll ? CSIDL_COMMON_STARTUP : CSIDL_STARTUP), IDS_PRODUCT_NAME),
     };
-    for (const CString& strLink : kUsual)
+    for (const CString& strLink : usual)
     {
         const bool bThere = PathExists(strLink);
-        if (result.bLogWhole && result.logged.count(FoldCase(strLink)) == 0 && (bThere || &strLink < kUsual + 2))
+        if (result.bLogWhole && result.logged.count(FoldCase(strLink)) == 0 && (bThere || &strLink < usual + 2))
             result.Add(bThere ? kLinkUnlogged : kLinkMissing, strLink);
     }
 }
@@ -234,7 +238,8 @@ static void VerifyValue(const RegisteredValue& value, LPARAM lParam)
     Verification& result = *reinterpret_cast<Verification*>(lParam);
     CString strFound;
     const bool bThere = ReadValue(value, strFound);
-    const CString strExpected = value.pnNumber != nullptr ? NumberText(*value.pnNumber) : value.strText;
+    const unsigned int* pnNumber = std::get_if<unsigned int>(&value.data);
+    const CString strExpected = pnNumber != nullptr ? NumberText(*pnNumber) : std::get<CString>(value.data);
     ++result.nChecked;
     if (strFound != strExpected)
         result.Add(bThere ? kValueChanged : kValueMissing, ValueText(value), strFound, strExpected);
@@ -243,7 +248,7 @@ static void VerifyValue(const RegisteredValue& value, LPARAM lParam)
 void VerifyInstall(Verification& result, const CString& strFolder)
 {
     if (!FindInstallation(strFolder))
-        return result.Add(kNotRegistered, CString(L"HKLM\\") + kProductKey + L" : Path");
+        return result.Add(kNotRegistered, CString(L"HKLM\\") + kProductKey + L" : " + kFolderValue);
     if (!IsRealFolder(g_strInstDir))
         return result.Add(kFolderMissing, g_strInstDir);
     VerifyEntries(result);
