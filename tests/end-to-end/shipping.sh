@@ -8,6 +8,7 @@ machine_start shipping
 trap machine_stop EXIT
 export HOME=$machine_dir/home
 export DIST=$HOME/dist
+unset MAKEFLAGS MAKELEVEL # of a make that runs this
 mkdir "$HOME"
 cp -r "$LUMACAP_BUILD/package" "$HOME/Lumacap"
 rm "$HOME/Lumacap/LumUnInst.log"
