@@ -23,7 +23,7 @@ protected:
     {
         World::SetUp();
         PutPackage();
-        Make(L"package\\page.url|package\\version.dll", "0123456789");
+        Make(L"package\\page.url|package\\version.dll|package\\StartLC8.exe", std::string(0x40000, '0') + "!");
         WriteBytes(At(L"package\\LumUnInst.log"),
                    ReadBytes(At(L"package\\LumUnInst.log")) +
                        "File Copy: page.url\nMake Dir: Empty\nFile Copy ind: version.dll");
@@ -56,6 +56,7 @@ protected:
 
 TEST_F(Verify, InstallIsWholeAndNothingChangesByLooking)
 {
+    SetAttributes(At(L"package\\page.url"), FILE_ATTRIBUTE_READONLY);
     Install(L"-autostart");
     const TEXTS picture = TakePicture();
     EXPECT_EQ(RunPkgtool(L"verify C:\\corner\\package").strText,
@@ -77,9 +78,9 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
     const std::string strList = ReadBytes(At(L"package\\LumUnInst.log"));
     const std::pair<std::function<void()>, std::wstring> kCases[] = {
         { [] {}, L"" },
-        { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 10" },
-        { [&] { Make(L"T\\page.url", "012345678!"); }, L"T\\page.url has the right size, and another content" },
-        { [&] { RemoveTree(strPage); }, L"T\\page.url is missing" },
+        { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 262145" },
+        { [&] { Edit(L"T\\page.url", L"!", L"."); }, L"T\\page.url has the right size, and another content" },
+        { [&] { RemoveTree(strPage), MakeFolder(strPage); }, L"T\\page.url is missing" },
         { [&] { RemoveTree(At(L"T\\lcxshare.dll")); }, L"T\\lcxshare.dll is missing" },
         { [&] { hold = HoldFile(strPage, 0); }, L"T\\page.url can't be compared, since one can't be read" },
         { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN); },
@@ -88,6 +89,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           L"T\\LumUnInst.log is read-only, and the package's file isn't" },
         { [&] { CopyOneFile(ProductOfVersion(L"8.19.9.0"), At(L"T\\Lumacap8.exe")); },
           L"T\\Lumacap8.exe is of version 8.19.9.0, and the package's file of 8.20.1.0" },
+        { [&] { Edit(L"T\\Lumacap8.exe", L"OS", L"os"); }, L"T\\Lumacap8.exe has the right size, and another content" },
         { [&] { RemoveTree(At(L"T\\Empty")); }, L"T\\Empty is missing: there is no such folder" },
         { [&] { RemoveTree(At(L"T")); }, L"T is missing: there is no such folder" },
         { [&] { Install(L"-instdir \\\\nowhere\\T"); }, L"\\\\nowhere\\T is missing: there is no such folder" },
@@ -110,7 +112,8 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           },
           L"T\\page.url goes at the next start, and the package's doesn't come" },
         // Links
-        { [&] { RemoveTree(strHelp); },
+        { [&] { RemoveTree(strHelp), RemoveTree(strDesktop), Edit(L"T\\LumUnInst.log", strHelp, strDesktop); },
+          L"user\\Desktop\\Lumacap 8.lnk is missing: there is no such link\n"
           L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk is missing: there is no such link" },
         { [&] { CopyOneFile(strHelp, strDesktop); },
           L"user\\Desktop\\Lumacap 8.lnk leads to T\\Lumacap8Man.chm, and should lead to T\\Lumacap8.exe" },
@@ -164,10 +167,13 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
 TEST_F(Verify, PortableInstallHasNeitherLinksNorRegistration)
 {
     Install(L"-instport C:\\corner\\stick\\P");
-    EXPECT_EQ(Told(L"C:\\corner\\stick\\P\\"), L"0");
+    EXPECT_EQ(Told(L"\"C:\\corner\\stick\\P\\\""), L"0");
     EXPECT_EQ(Told(), L"1\nHKLM\\SOFTWARE\\Tandrel\\Lumacap 8 : Path is missing: no installation is registered");
-    RemoveTree(At(L"stick\\StartLC8.exe"));
-    EXPECT_EQ(Told(L"C:\\corner\\stick\\P"), L"1\nstick\\StartLC8.exe is missing");
+    Make(L"stick\\StartLC8.exe", "x");
+    EXPECT_EQ(RunPkgtool(L"verify --json C:\\corner\\package corner\\stick\\P").strText,
+              LR"({"kind":"file-size","path":"C:\\corner\\stick\\StartLC8.exe","found":"1","expected":"262145"}
+{"kind":"summary","path":"C:\\corner\\stick\\P","result":"differs","differences":1,"waiting":0,"checked":24}
+)");
 }
 
 TEST_F(Verify, RemovalLeavesNothing)
@@ -185,13 +191,14 @@ TEST_F(Verify, RemovalLeavesNothing)
     }
     EXPECT_EQ(Told(L"--removed"), L"0");
 
-    Make(L"T\\page.url|user\\Programs\\Any\\Group\\Lumacap 8.lnk");
+    Make(L"T\\page.url|user\\Programs\\Any\\Group\\Lumacap 8.lnk|user\\Desktop\\Lumacap 8.lnk");
     MoveFileExW(At(L"T").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"),
               L"1\nT is a folder that still stands\nT\\page.url still stands\n"
-              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands");
+              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands\n"
+              L"user\\Desktop\\Lumacap 8.lnk is a link that still stands");
     MoveFileExW(At(L"T\\page.url").c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
-    RemoveTree(At(L"user\\Programs\\Any"));
+    RemoveTree(At(L"user"));
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"), L"3\nT stands until the next start of the machine\n"
                                                 L"T\\page.url stands until the next start of the machine");
 }
