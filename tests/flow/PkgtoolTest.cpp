@@ -349,6 +349,8 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
         { L"check \"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
         { L"check " + At(L"temp"), 2, L"pkgtool: there is no LumUnInst.log" },
         { L"", 2, L"pkgtool: A subcommand is required" },
+        { L"check", 2, L"pkgtool: FOLDER is required" },
+        { L"check C:\\none", 2, L"pkgtool: there is no folder C:\\none" },
         { L"plan none x", 2, L"pkgtool: KIND: none not in {all,portable,user}" },
     };
     for (const auto& [strArguments, nExitCode, strBegin] : kCases)
