@@ -7,8 +7,8 @@ cd "$(dirname "$0")/.."
 . tools/machine.sh
 build=${LUMACAP_BUILD:-$PWD/build/release}
 dist=$(realpath -m "${DIST:-${LUMACAP_BUILD:-$PWD/build}/dist}")
-package=$(realpath "${PRODUCT:-$build/package}")
-url=${URL:-http://www.lumacap.example/Lumacap8Setup.exe}
+package=$(realpath "${PRODUCT-$build/package}")
+url=${URL-http://www.lumacap.example/Lumacap8Setup.exe}
 
 fail() {
     echo "dist.sh: $1" >&2
@@ -28,28 +28,30 @@ stage_package() {
 }
 
 write_manifests() {
-    local version major minor fix template
-    version=$(<"$stage/version")
+    local major minor fix template
     IFS=. read -r major minor fix _ <<<"$version"
-    mkdir -p "$dist/winget"
+    mkdir "$stage/winget"
     for template in tools/dist/winget/*.yaml; do
         sed -e "s|@VERSION@|$version|" -e "s|@SHOWN@|$(printf '%d.%02d.%02d' "$major" "$minor" "$fix")|" \
-            -e "s|@SUM@|$(cut -d ' ' -f 1 "$dist/SHA256SUMS")|" -e "s|@URL@|${url//&/\\&}|" \
-            "$template" >"$dist/winget/${template##*/}"
+            -e "s|@SUM@|$(cut -d ' ' -f 1 "$stage/SHA256SUMS")|" -e "s|@URL@|${url//&/\\&}|" \
+            "$template" >"$stage/winget/${template##*/}"
     done
 }
 
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "$url is no address"
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
-rm -f "$dist/Lumacap8Setup.exe" "$dist/SHA256SUMS" # an earlier run's
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
-mkdir -p "$dist"
 stage=$(mktemp -d "$build/stage-XXXXXX")
 trap 'rm -rf "$stage"' EXIT
 stage_package
 makensis -V2 -WX "-DPACKAGE=$stage/package" "-DPLUGINS=$build/plug-ins" "-DVERSION_FILE=$stage/version" \
-    "-DPROGRAM=$dist/Lumacap8Setup.exe" tools/dist/download.nsi
-(cd "$dist" && sha256sum Lumacap8Setup.exe >SHA256SUMS)
+    "-DPROGRAM=$stage/Lumacap8Setup.exe" tools/dist/download.nsi
+version=$(<"$stage/version")
+(cd "$stage" && sha256sum Lumacap8Setup.exe >SHA256SUMS)
 write_manifests
-echo "Made ${dist#"$PWD"/}/Lumacap8Setup.exe, $(stat --format=%s "$dist/Lumacap8Setup.exe") bytes"
+# An earlier download stays until this one stands whole.
+mkdir -p "$dist/winget"
+mv "$stage/winget"/* "$dist/winget"
+mv "$stage/Lumacap8Setup.exe" "$stage/SHA256SUMS" "$dist"
+echo "Made ${dist#"$PWD"/}/Lumacap8Setup.exe of version $version, $(stat --format=%s "$dist/Lumacap8Setup.exe") bytes"

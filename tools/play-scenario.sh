@@ -12,6 +12,7 @@ build=${LUMACAP_BUILD:-$PWD/build/release}
 versions=${3:-$(sed -n '1s/^# Windows: //p' "$file")}
 failed=0
 trap machine_stop EXIT
+trap 'exit 130' INT
 for version in ${versions:?}; do
     machine_start "$1" || exit 1
     steps=$machine_dir/steps

@@ -311,7 +311,7 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
                                              L'|'))
         Make(strPackage + strPath, Bytes(strPath));
     const std::wstring strList = At(strPackage + L"LumUnInst.log");
-    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).strText, L"10 files and 5 folders in " + strList + L"\n");
+    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).strText, L"17 records in " + strList + L"\n");
     EXPECT_EQ(RunPkgtool(L"check " + At(strPackage)).strText, L"0 findings\n");
     m_before[0] = ListTree(Place(0));
     {

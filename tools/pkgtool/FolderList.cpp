@@ -166,6 +166,8 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     const CString strPath = strFolder + kFileListPath;
     if (!PathExists(strFolder + L"\\"))
         return Refuse(CString(L"there is no folder ") + pszFolder);
+    if (!PathExists(strFolder + kProductExePath))
+        return Refuse(CString(L"there is no product in ") + pszFolder);
     if (PathExists(strPath) && !bAnew)
         return Refuse(CString(L"there is a list already, which --force writes anew: ") + strPath);
 
@@ -181,8 +183,7 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     if (!WriteList(strPath, strList))
         return Refuse(CString(L"this can't be written: ") + strPath);
     CString strSum;
-    strSum.Format(L"%d files and %d folders in ", static_cast<int>(content.files.size()),
-                  static_cast<int>(content.folders.size()));
+    strSum.Format(L"%d records in ", strList.Replace(L"\n", L"\n"));
     PrintLine(stdout, strSum + strPath);
     return EXIT_CLEAN;
 }
