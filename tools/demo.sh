@@ -16,7 +16,7 @@ Below each command stands all that it changed on the machine, in its files and i
     started:   a program that the setup started, and in which folder; with -regonly the product enters itself in the
                registry, with -unregonly it takes a part of that back
     boot:      what the next start of the machine is to do; - is a deletion
-    exit code  of a command that ends with another one than 0, which verify ends with if all is as it should be
+    exit code  told where it isn't 0, with which verify ends if all is as it should be
 
 Behind LumUnInst.log stand the lines that it has more than the package's list. A registry key without values is told
 only while no other key is in it.
