@@ -11,7 +11,7 @@ struct AssocExtension
 };
 
 // The last is the product's own format, which is all that its 1 says. Nothing goes by that: the repair clears each flag
-// before it sets any.
+// before it looks at the association.
 inline AssocExtension g_aAssocExts[] = {
     { L".bmp", 0 }, { L".dib", 0 }, { L".gif", 0 }, { L".jpg", 0 }, { L".jpeg", 0 }, { L".tif", 0 }, { L".tiff", 0 },
     { L".png", 0 }, { L".cmp", 0 }, { L".tga", 0 }, { L".wpg", 0 }, { L".jp2", 0 },  { L".j2k", 0 }, { L".lcp", 1 },

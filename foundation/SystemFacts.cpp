@@ -57,8 +57,8 @@ bool IsFolderPath(const CString& strFolder)
 
 CString GetModulePath()
 {
-    wchar_t szPath[MAX_PATH] = L"";
-    GetModuleFileNameW(nullptr, szPath, _countof(szPath));
+    wchar_t szPath[MAX_PATH + 1] = L""; // early systems leave a path that is cut without a terminator
+    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
     return szPath;
 }
 

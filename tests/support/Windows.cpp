@@ -7,8 +7,8 @@
 LRESULT Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     DWORD_PTR nResult = 0;
-    SendMessageTimeoutW(hWnd, nMessage, wParam, lParam, SMTO_NORMAL, 5000, &nResult);
-    return static_cast<LRESULT>(nResult);
+    const bool bAnswered = SendMessageTimeoutW(hWnd, nMessage, wParam, lParam, SMTO_NORMAL, 5000, &nResult) != 0;
+    return bAnswered ? static_cast<LRESULT>(nResult) : -1;
 }
 
 static std::wstring TextOf(HWND hWnd)

@@ -8,7 +8,7 @@
 
 #include "tests/support/Programs.h"
 
-// 0 if no answer comes within five seconds.
+// -1 if no answer comes within five seconds.
 LRESULT Send(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
 class CWindowDriver

@@ -205,7 +205,7 @@ static void CopyMatches(const RecordCopy& copy, HANDLE hFind, WIN32_FIND_DATAW m
 }
 
 // A search for one name opens its folder, and lists may have a record for each file: each folder is read once instead.
-static bool IsInFolder(Plan& plan, const CString& strPath, WIN32_FIND_DATAW& match)
+static bool FindInFolder(Plan& plan, const CString& strPath, WIN32_FIND_DATAW& match)
 {
     const CString strFolder = CutLastPart(strPath);
     const auto [folder, bNew] = plan.folders.try_emplace(strFolder);
@@ -226,7 +226,7 @@ static void CopyMatchingFiles(const RecordCopy& copy, const CString& strMask, co
 {
     const CString strPattern = WithSeparator(copy.package.strFolder) + strMask;
     WIN32_FIND_DATAW match;
-    const bool bKnown = IsInFolder(copy.plan, strPattern, match);
+    const bool bKnown = FindInFolder(copy.plan, strPattern, match);
     const CFindOwner find(bKnown ? INVALID_HANDLE_VALUE : FindFirstFileW(strPattern, &match));
     if (!bKnown && !find.IsOpen())
     {
