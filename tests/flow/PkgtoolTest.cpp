@@ -334,10 +334,11 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     EXPECT_EQ(strAnew.substr(strAnew.size() - strOwn.size()), strOwn);
     EXPECT_EQ(std::count(strAnew.begin(), strAnew.end(), '\n'), 19);
     EXPECT_EQ(strAnew.find("gone"), std::string::npos);
-    Make(strPackage + L"install.log|" + strPackage + L"\x100");
+    Make(strPackage + L"install.log|" + strPackage + L"\x100|" + strPackage + std::wstring(221, L'd') + L"\\");
     const TOLD refused = RunPkgtool(L"list --force " + At(strPackage));
     EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n"
-                               L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n");
+                               L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n" +
+                                   std::wstring(221, L'd') + L": can't be said in a list: its path is too long\n");
     EXPECT_EQ(refused.nExitCode, 1u);
     EXPECT_EQ(ReadBytes(strList), strAnew);
 }

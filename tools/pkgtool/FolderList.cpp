@@ -32,6 +32,7 @@ struct Name
 
 // What the system's limit leaves below the folder that installs of the usual kind go to.
 static constexpr int kLongestPath = MAX_PATH - static_cast<int>(_countof(L"C:\\Program Files\\" PRODUCT_NAME L"\\"));
+static constexpr int kLongestFolder = kLongestPath - 12; // the system keeps room for a short name in a new folder
 
 static std::vector<Name> NamesIn(const CString& strFolder)
 {
@@ -63,7 +64,7 @@ static void Collect(const CString& strFolder, const CString& strBelow, FolderCon
 }
 
 // Why the path can't stand in a list, or nothing.
-static const wchar_t* WhyUnsayable(const CString& strPath)
+static const wchar_t* WhyUnsayable(const CString& strPath, int nLongest)
 {
     for (int i = 0; i < strPath.GetLength(); ++i)
     {
@@ -72,7 +73,7 @@ static const wchar_t* WhyUnsayable(const CString& strPath)
         if (strPath[i] < L' ')
             return L"its name has a control character";
     }
-    if (strPath.GetLength() > kLongestPath)
+    if (strPath.GetLength() > nLongest)
         return L"its path is too long";
     if (EndsWith(strPath, L" ") || EndsWith(strPath, L"."))
         return L"its name ends in a blank or a dot";
@@ -143,7 +144,7 @@ static bool TellUnsayable(const FolderContent& content)
     bool bAny = false;
     for (const std::vector<CString>* pPaths : { &content.files, &content.folders })
         for (const CString& strPath : *pPaths)
-            if (const wchar_t* pszWhy = WhyUnsayable(strPath))
+            if (const wchar_t* pszWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder))
             {
                 PrintLine(stderr, strPath + L": can't be said in a list: " + pszWhy);
                 bAny = true;
@@ -151,13 +152,25 @@ static bool TellUnsayable(const FolderContent& content)
     return bAny;
 }
 
-static bool WriteList(const CString& strPath, const CString& strList)
+// An earlier list stays until this one stands whole.
+static bool WriteList(const CString& strFolder, const CString& strPath, const CString& strList)
 {
+    wchar_t szNew[MAX_PATH];
+    if (GetTempFileNameW(strFolder, L"lst", 0, szNew) == 0)
+        return false;
     std::string strBytes;
     for (int i = 0; i < strList.GetLength(); ++i)
         strBytes += static_cast<char>(strList[i]);
-    const CStreamOwner file(_wfopen(strPath, L"wb"));
-    return file.IsOpen() && fwrite(strBytes.data(), 1, strBytes.size(), file) == strBytes.size();
+    bool bWritten = false;
+    {
+        const CStreamOwner file(_wfopen(szNew, L"wb"));
+        bWritten =
+            file.IsOpen() && fwrite(strBytes.data(), 1, strBytes.size(), file) == strBytes.size() && fflush(file) == 0;
+    }
+    if (bWritten && MoveFileExW(szNew, strPath, MOVEFILE_REPLACE_EXISTING))
+        return true;
+    DeleteFileW(szNew);
+    return false;
 }
 
 int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
@@ -180,7 +193,7 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     CString strList = Compose(content, PathExists(strFolder + kUninstallerPath), brought);
     for (const CString& strRecord : kept)
         strList += strRecord + L"\r\n";
-    if (!WriteList(strPath, strList))
+    if (!WriteList(strFolder, strPath, strList))
         return Refuse(CString(L"this can't be written: ") + strPath);
     CString strSum;
     strSum.Format(L"%d records in ", strList.Replace(L"\n", L"\n"));
