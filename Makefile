@@ -4,7 +4,7 @@ SHELL := /bin/bash
 .PHONY: help prerequisites build test interruption hostile demo dist wizard screenshots coverage bench lint clean
 
 help:
-	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 2 minutes, most of it building)'
+	@echo 'make demo         install and uninstall silently on a throwaway Windows machine, and show it (about 2 minutes)'
 	@echo 'make test         run all tests on throwaway Windows machines (about 5 minutes, 2 of them building)'
 	@echo 'make interruption end installs, upgrades and removals at every change they make, run them again (10 minutes)'
 	@echo 'make hostile      many more hostile lists and command lines than in the tests (5 minutes)'

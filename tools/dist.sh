@@ -42,7 +42,7 @@ write_manifests() {
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
-stage=$(mktemp -d "$build/stage-XXXXXX")
+stage=$(mktemp -d --tmpdir="$build")
 trap 'rm -rf "$stage"' EXIT
 stage_package
 makensis -V2 -WX "-DPACKAGE=$stage/package" "-DPLUGINS=$build/plug-ins" "-DVERSION_FILE=$stage/version" \

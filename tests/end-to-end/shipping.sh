@@ -19,7 +19,7 @@ even_out() { sed -E '/^(ninja|Building|--)/d; s/^ *//; s/[0-9]+ bytes/N bytes/; 
 play() {
     sed -n 's/^ *\$ //p' docs/shipping.md | while read -r command; do
         echo "\$ $command"
-        bash -o pipefail -c "${command/build\//$LUMACAP_BUILD/}" </dev/null 2>"$machine_dir/stderr" | tr -d '\r'
+        bash -o pipefail -c "${command/build\//$LUMACAP_BUILD/}" </dev/null | tr -d '\r'
     done
 }
 

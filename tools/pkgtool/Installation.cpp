@@ -16,8 +16,9 @@ bool FindInstallation(const CString& strFolder)
     g_strInstDir = strFolder.IsEmpty() ? FindInstalledFolder() : strFolder;
     if (g_nInstallKind == KIND_PORTABLE && !EndsWith(strFolder, L":"))
     {
-        GetFullPathNameW(strFolder, MAX_PATH, g_strInstDir.GetBuffer(MAX_PATH), nullptr);
-        g_strInstDir.ReleaseBuffer();
+        wchar_t szFolder[MAX_PATH] = L"";
+        GetFullPathNameW(strFolder, _countof(szFolder), szFolder, nullptr);
+        g_strInstDir = szFolder;
     }
     TakeOverKind();
     ReadOsVersion(&g_osVersion);
@@ -26,10 +27,9 @@ bool FindInstallation(const CString& strFolder)
 
 CString FindShellFolder(int nFolder)
 {
-    CString strFolder;
-    SHGetFolderPathW(nullptr, nFolder, nullptr, SHGFP_TYPE_CURRENT, strFolder.GetBuffer(MAX_PATH));
-    strFolder.ReleaseBuffer();
-    return strFolder;
+    wchar_t szFolder[MAX_PATH] = L"";
+    SHGetFolderPathW(nullptr, nFolder, nullptr, SHGFP_TYPE_CURRENT, szFolder);
+    return szFolder;
 }
 
 CString ReadLinkTarget(const wchar_t* pszLink)

@@ -10,7 +10,7 @@
 // without a folder, to the registered one. False if none is registered.
 bool FindInstallation(const CString& strFolder);
 
-// The path of a shell folder by its CSIDL number; empty if there is none.
+// The path of a shell folder by its CSIDL number; empty if there is none. None is made, unlike by GetSpecialFolder.
 CString FindShellFolder(int nFolder);
 
 // The path that a link leads to; empty if the file can't be read as a link.
