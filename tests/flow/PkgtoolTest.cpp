@@ -311,7 +311,7 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
                                              L'|'))
         Make(strPackage + strPath, Bytes(strPath));
     const std::wstring strList = At(strPackage + L"LumUnInst.log");
-    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).strText, L"17 records in " + strList + L"\n");
+    EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).strText, L"17 records in the list of " + At(strPackage) + L"\n");
     EXPECT_EQ(RunPkgtool(L"check " + At(strPackage)).strText, L"0 findings\n");
     m_before[0] = ListTree(Place(0));
     {
@@ -326,18 +326,24 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     EXPECT_EQ(Created(0), "");
 
     // What only a person decides is kept, and not said twice; what can't be said is told, and nothing written.
+    // The longest that are sayable are among them.
+    Make(strPackage + std::wstring(232, L'f') + L"|" + strPackage + std::wstring(220, L'd') + L"\\");
     const std::string strOwn = "File Copy ind: Sub\\c\r\nFile Copy prt: b\xE4r\r\nFile Overwrite: x\r\nFile Del: y\r\n";
     WriteBytes(strList, "A remark\r\nFile Copy: gone\r\n" + strOwn);
     EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).nExitCode, 2u);
     EXPECT_EQ(RunPkgtool(L"list --force " + At(strPackage)).nExitCode, 0u);
     const std::string strAnew = ReadBytes(strList);
     EXPECT_EQ(strAnew.substr(strAnew.size() - strOwn.size()), strOwn);
-    EXPECT_EQ(std::count(strAnew.begin(), strAnew.end(), '\n'), 19);
+    EXPECT_EQ(std::count(strAnew.begin(), strAnew.end(), '\n'), 22);
     EXPECT_EQ(strAnew.find("gone"), std::string::npos);
-    Make(strPackage + L"install.log|" + strPackage + L"\x100|" + strPackage + std::wstring(221, L'd') + L"\\");
+    for (const std::wstring& strName : { std::wstring(L"install.log"), std::wstring(L"\x100"), std::wstring(233, L'z'),
+                                         std::wstring(221, L'd') + L"\\" })
+        Make(strPackage + strName);
     const TOLD refused = RunPkgtool(L"list --force " + At(strPackage));
-    EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n"
-                               L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n" +
+    EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n" +
+                                   std::wstring(233, L'z') +
+                                   L": can't be said in a list: its path is too long\n"
+                                   L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n" +
                                    std::wstring(221, L'd') + L": can't be said in a list: its path is too long\n");
     EXPECT_EQ(refused.nExitCode, 1u);
     EXPECT_EQ(ReadBytes(strList), strAnew);
@@ -350,7 +356,10 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
         { L"check \"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
         { L"check " + At(L"temp"), 2, L"pkgtool: there is no LumUnInst.log" },
         { L"", 2, L"pkgtool: A subcommand is required" },
+        { L"none x", 2, L"pkgtool: there is no subcommand none" },
         { L"check", 2, L"pkgtool: FOLDER is required" },
+        { L"verify x \"\"", 2, L"pkgtool: TARGET: it is empty" },
+        { L"check " + BuildFolder() + L"\\pkgtool.exe", 2, L"pkgtool: this is a file" },
         { L"check C:\\none", 2, L"pkgtool: there is no folder C:\\none" },
         { L"plan none x", 2, L"pkgtool: KIND: none not in {all,portable,user}" },
     };

@@ -63,23 +63,32 @@ static void Collect(const CString& strFolder, const CString& strBelow, FolderCon
     }
 }
 
-// Why the path can't stand in a list, or nothing.
-static const wchar_t* WhyUnsayable(const CString& strPath, int nLongest)
+static bool IsDevice(const CString& strName)
+{
+    const CString strStem = strName.Left((strName + L".").Find(L'.'));
+    return wcsstr(L"|CON|PRN|AUX|NUL|COM1|COM2|COM3|COM4|COM5|COM6|COM7|COM8|COM9|"
+                  L"LPT1|LPT2|LPT3|LPT4|LPT5|LPT6|LPT7|LPT8|LPT9|",
+                  FoldCase(L"|" + strStem + L"|")) != nullptr;
+}
+
+// Why the path can't stand in a list, or nothing. On a disk of another system there may be names that Windows has no
+// files of.
+static CString WhyUnsayable(const CString& strPath, int nLongest)
 {
     for (int i = 0; i < strPath.GetLength(); ++i)
-    {
         if (strPath[i] > 0xFF)
             return L"its name goes beyond Latin-1";
-        if (strPath[i] < L' ')
-            return L"its name has a control character";
-    }
+    if (const CString strForbidden = FindForbidden(strPath, false); !strForbidden.IsEmpty())
+        return L"its name has " + strForbidden;
+    if (IsDevice(strPath.Mid(strPath.ReverseFind(L'\\') + 1)))
+        return L"its name is a device's";
     if (strPath.GetLength() > nLongest)
         return L"its path is too long";
     if (EndsWith(strPath, L" ") || EndsWith(strPath, L"."))
         return L"its name ends in a blank or a dot";
     if (strPath.CompareNoCase(kSecondListName) == 0)
         return L"a removal would read it as a list";
-    return nullptr;
+    return CString();
 }
 
 // The list comes by itself, and the setup stays behind.
@@ -144,11 +153,13 @@ static bool TellUnsayable(const FolderContent& content)
     bool bAny = false;
     for (const std::vector<CString>* pPaths : { &content.files, &content.folders })
         for (const CString& strPath : *pPaths)
-            if (const wchar_t* pszWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder))
-            {
-                PrintLine(stderr, strPath + L": can't be said in a list: " + pszWhy);
-                bAny = true;
-            }
+        {
+            const CString strWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder);
+            if (strWhy.IsEmpty())
+                continue;
+            PrintLine(stderr, strPath + L": can't be said in a list: " + strWhy);
+            bAny = true;
+        }
     return bAny;
 }
 
@@ -182,7 +193,7 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     if (!PathExists(strFolder + kProductExePath))
         return Refuse(CString(L"there is no product in ") + pszFolder);
     if (PathExists(strPath) && !bAnew)
-        return Refuse(CString(L"there is a list already, which --force writes anew: ") + strPath);
+        return Refuse(CString(L"there is a list already, which --force writes anew, in ") + pszFolder);
 
     FolderContent content;
     Collect(strFolder, L"", content);
@@ -194,9 +205,9 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     for (const CString& strRecord : kept)
         strList += strRecord + L"\r\n";
     if (!WriteList(strFolder, strPath, strList))
-        return Refuse(CString(L"this can't be written: ") + strPath);
+        return Refuse(CString(L"the list can't be written in ") + pszFolder);
     CString strSum;
-    strSum.Format(L"%d records in ", strList.Replace(L"\n", L"\n"));
-    PrintLine(stdout, strSum + strPath);
+    strSum.Format(L"%d records in the list of ", strList.Replace(L"\n", L"\n"));
+    PrintLine(stdout, strSum + pszFolder);
     return EXIT_CLEAN;
 }

@@ -94,9 +94,9 @@ public:
                         "File Overwrite and File Del");
         CLI::App* pVerify = AddVerb("verify", Verify,
                                     "Tells whether an install of the package stands whole. Exit code 0: it does; "
-                                    "1: it differs; 3: it will after a restart.");
+                                    "1: it differs; 2: wrong use; 3: it will after a restart.");
         AddFolder(pVerify);
-        pVerify->add_option("TARGET", m_options.strTarget, "the folder of a portable install");
+        AddPath(pVerify, "TARGET", m_options.strTarget, "the folder of a portable install");
         pVerify->add_flag("--removed", m_options.bRemoved, "tell what still stands after a removal");
         pVerify->add_flag("--json", m_options.bJson, "tell each difference as an object");
     }
@@ -104,6 +104,9 @@ public:
     // Gives the exit code.
     int Run(std::vector<std::string> arguments)
     {
+        const auto isFirst = [&](const CLI::App* pVerb) { return pVerb->get_name() == arguments[0]; };
+        if (!arguments.empty() && arguments[0][0] != '-' && m_app.get_subcommands(isFirst).empty())
+            return Refuse(L"there is no subcommand " + FromUtf8(arguments[0]) + L" (see pkgtool --help)");
         std::reverse(arguments.begin(), arguments.end());
         try
         {
@@ -132,7 +135,14 @@ private:
 
     void AddFolder(CLI::App* pVerb, const char* pszDescription = "the package: a folder with a LumUnInst.log")
     {
-        pVerb->add_option("FOLDER", m_options.strFolder, pszDescription)->required();
+        AddPath(pVerb, "FOLDER", m_options.strFolder, pszDescription)->required();
+    }
+
+    // An empty one comes of a script's variable that isn't set, and would name the root or nothing at all.
+    static CLI::Option* AddPath(CLI::App* pVerb, const char* pszName, std::string& strPath, const char* pszDescription)
+    {
+        return pVerb->add_option(pszName, strPath, pszDescription)
+            ->check(CLI::Validator([](const std::string& str) { return str.empty() ? "it is empty" : ""; }, ""));
     }
 
     CLI::App m_app{ "Checks packages of the setup, plans them, writes their lists and tells whether an install stands.",
