@@ -24,7 +24,8 @@ check_package() (
 # A copy whose files have the time of the commit, so that the same sources always make the same file.
 stage_package() {
     cp -r "$package" "$stage/package"
-    find "$stage/package" -exec touch --date="@${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}" {} +
+    chmod -R u+w "$stage" # or the stage couldn't go
+    find "$stage/package" -exec touch --date="@$time" {} +
 }
 
 write_manifests() {
@@ -42,6 +43,7 @@ write_manifests() {
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
+time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} || fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
 stage=$(mktemp -d --tmpdir="$build")
 trap 'rm -rf "$stage"' EXIT
 stage_package

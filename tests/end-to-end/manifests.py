@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-# Holds the manifests of a download against winget's rules, the download itself and what an install registers.
-# usage: manifests.py DIST-FOLDER SCENARIO-SETS
+# Holds the manifests of a download against winget's rules, the download itself, what an install registers and what
+# administrators read.
+# usage: manifests.py DIST-FOLDER SCENARIO-SETS DEPLOYMENT-PAGE
 import hashlib
+import re
 import sys
 from pathlib import Path
 
@@ -15,10 +17,40 @@ FILES = {
                    'ExpectedReturnCodes Scope InstallModes UpgradeBehavior UnsupportedArguments ElevationRequirement'),
     '.locale.en-US': ('defaultLocale', 'PackageLocale Publisher PackageName License ShortDescription', 'PublisherUrl'),
 }
+# What these can say, in a text or in each item of a list.
+WORDS = {
+    'InstallerType': 'exe',
+    'Scope': 'machine',
+    'InstallModes': 'interactive silent silentWithProgress',
+    'InstallerSwitches': 'Silent SilentWithProgress Interactive InstallLocation',
+    'UpgradeBehavior': 'install uninstallPrevious',
+    'UnsupportedArguments': 'log location',
+    'ElevationRequirement': 'elevationRequired elevationProhibited elevatesSelf',
+}
 
-dist, sets = map(Path, sys.argv[1:])
-total = hashlib.sha256((dist / 'Lumacap8Setup.exe').read_bytes()).hexdigest()
+
+def check_installer(manifest):
+    (download,), (entry,) = manifest['Installers'], manifest['AppsAndFeaturesEntries']
+    assert (download['Architecture'], download['InstallerSha256']) == ('x64', total)
+    assert entry.pop('ProductCode') == 'Lumacap 8'
+    for value in entry:
+        assert f'{value} = {entry[value]}\n' in sets, value
+    for key, words in WORDS.items():
+        assert set([manifest[key]] if isinstance(manifest[key], str) else manifest[key]) <= set(words.split()), key
+    switches = manifest['InstallerSwitches']
+    assert f'Lumacap8Setup.exe {switches["Silent"]}\n' in page
+    assert switches['InstallLocation'].replace('<INSTALLPATH>', r'C:\Tools\Lumacap 8') + '\n' in page
+    for code in manifest['ExpectedReturnCodes']:
+        assert re.search(rf'^\| (.* )?{code["InstallerReturnCode"]} ', page, re.M) and code['ReturnResponse'] == 'custom'
+
+
+dist = Path(sys.argv[1])
+sets, page = (Path(name).read_text() for name in sys.argv[2:])
+program = (dist / 'Lumacap8Setup.exe').read_bytes()
+total = hashlib.sha256(program).hexdigest()
 assert (dist / 'SHA256SUMS').read_text() == f'{total}  Lumacap8Setup.exe\n'
+assert b'level="requireAdministrator"' in program
+assert bytes.fromhex('14000800 00000100' * 2) in program  # 8.20.1.0, of the file and of the product
 for name, (kind, needed, possible) in FILES.items():
     content = (dist / f'winget/Tandrel.Lumacap8{name}.yaml').read_bytes()
     assert content[:1] == b'P' and b'\r' not in content, name
@@ -26,9 +58,4 @@ for name, (kind, needed, possible) in FILES.items():
     assert set(f'{ALL} {needed}'.split()) <= set(manifest) <= set(f'{ALL} {needed} {possible}'.split()), name
     assert [manifest[key] for key in ALL.split()] == ['Tandrel.Lumacap8', '8.20.1.0', kind, '1.6.0'], name
     if kind == 'installer':
-        (download,), (entry,) = manifest['Installers'], manifest['AppsAndFeaturesEntries']
-        assert (download['Architecture'], download['InstallerSha256']) == ('x64', total)
-        assert entry.pop('ProductCode') == 'Lumacap 8'
-        for value in entry:
-            assert f'{value} = {entry[value]}\n' in sets.read_text(), value
-        assert 0 not in [code['InstallerReturnCode'] for code in manifest['ExpectedReturnCodes']]
+        check_installer(manifest)

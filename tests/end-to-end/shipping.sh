@@ -25,10 +25,19 @@ play() {
 
 diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
 
+# Names that Debian's disks hold, and those of Windows don't.
+touch "$HOME/Lumacap/"{aux.c,console,'what?'}
+diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<'END'
+aux.c: can't be said in a list: its name is a device's
+what?: can't be said in a list: its name has the character ?
+END
+rm "$HOME/Lumacap/"{aux.c,'what?'}
+
 cp -r /usr/share/nsis "$HOME/Lumacap/A stranger's folder"
 wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$HOME/Lumacap"
-PRODUCT=$HOME/Lumacap tools/dist.sh
-machine_run "$DIST/Lumacap8Setup.exe" -install -s /S
+PRODUCT=$HOME/Lumacap URL='http://x.example/?a&b' tools/dist.sh
+grep -Fx "  InstallerUrl: 'http://x.example/?a&b'" "$DIST"/winget/*.installer.yaml
+machine_run "$DIST/Lumacap8Setup.exe" -install -s /S "$(printf 'x%.0s' {1..30000})"
 machine_run "$LUMACAP_BUILD/pkgtool.exe" verify "$HOME/Lumacap"
 # A link that gets too long ends the setup in the middle, and the download hands on its exit code, of which 9 is left here.
 group='C:\ProgramData\Microsoft\Windows\Start Menu\Programs'
@@ -39,3 +48,18 @@ machine_run "$DIST/Lumacap8Setup.exe" -install -s /S || code=$?
 machine_run 'C:\Program Files\Lumacap 8\LumUnInst.exe'
 machine_wait_idle
 machine_run "$LUMACAP_BUILD/pkgtool.exe" verify --removed "$HOME/Lumacap"
+
+# What can't become a download is refused, and the earlier one stays.
+refused() {
+    if env "${@:2}" tools/dist.sh >"$HOME/told" 2>&1; then return 1; fi
+    grep -F "$1" "$HOME/told"
+    (cd "$DIST" && sha256sum --check --quiet SHA256SUMS)
+}
+
+refused 'is no address' URL='https://x.example/a b'
+export PRODUCT=$HOME/Lumacap
+refused 'in its own package' DIST="$PRODUCT/dist"
+rm "$PRODUCT/setup.exe"
+refused 'has no setup.exe'
+rm "$PRODUCT/LumUnInst.exe"
+refused 'has to be mended first'
