@@ -41,10 +41,13 @@ write_manifests() {
 
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "$url is no address"
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
+# C:\Users\NAME\AppData\Local\Temp\nsXXXXX.tmp\package\ stands before each path while it is unpacked.
+long=$(cd "$package" && find . -printf '%P\n' | grep -E -m 1 '.{191}') && fail "$long is too long to be unpacked"
 check_package || fail "$package has to be mended first"
 [ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
 time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} || fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
-stage=$(mktemp -d --tmpdir="$build")
+mkdir -p "$dist/winget"
+stage=$(mktemp -d "$dist/.stage.XXXXXX")
 trap 'rm -rf "$stage"' EXIT
 stage_package
 makensis -V2 -WX "-DPACKAGE=$stage/package" "-DPLUGINS=$build/plug-ins" "-DVERSION_FILE=$stage/version" \
@@ -53,7 +56,7 @@ version=$(<"$stage/version")
 (cd "$stage" && sha256sum Lumacap8Setup.exe >SHA256SUMS)
 write_manifests
 # An earlier download stays until this one stands whole.
-mkdir -p "$dist/winget"
+mv -T "$stage/Lumacap8Setup.exe" "$dist/Lumacap8Setup.exe"
+mv "$stage/SHA256SUMS" "$dist"
 mv "$stage/winget"/* "$dist/winget"
-mv "$stage/Lumacap8Setup.exe" "$stage/SHA256SUMS" "$dist"
 echo "Made ${dist#"$PWD"/}/Lumacap8Setup.exe of version $version, $(stat --format=%s "$dist/Lumacap8Setup.exe") bytes"

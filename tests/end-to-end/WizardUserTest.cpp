@@ -208,6 +208,13 @@ TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
     m_wizard->Click(IDOK);
     EXPECT_NE(Outcome(), L"(absent)");
     EXPECT_TRUE(IsThere(At(L"Program Files\\Lumacap 8\\Lumacap8.ini")));
+
+    WriteBytes(At(L"package\\mine\\Lumacap8.ini"), "mine");
+    Start(L"-sfxname=mine\\any -sconf");
+    Meet();
+    m_wizard->Click(IDOK);
+    EXPECT_NE(Outcome(), L"(absent)");
+    EXPECT_EQ(ReadBytes(At(L"Program Files\\Lumacap 8\\Lumacap8.ini")), "mine");
     m_run.reset();
     EXPECT_EQ(Tree(L"temp"), L"");
 }

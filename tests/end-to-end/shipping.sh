@@ -26,12 +26,13 @@ play() {
 diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
 
 # Names that Debian's disks hold, and those of Windows don't.
-touch "$HOME/Lumacap/"{aux.c,console,'what?'}
+touch "$HOME/Lumacap/"{aux.c,console,CONSOLE,'what?'}
 diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<'END'
 aux.c: can't be said in a list: its name is a device's
+console: can't be said in a list: another name differs from it in its case only
 what?: can't be said in a list: its name has the character ?
 END
-rm "$HOME/Lumacap/"{aux.c,'what?'}
+rm "$HOME/Lumacap/"{aux.c,CONSOLE,'what?'}
 
 cp -r /usr/share/nsis "$HOME/Lumacap/A stranger's folder"
 wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$HOME/Lumacap"
@@ -59,7 +60,9 @@ refused() {
 refused 'is no address' URL='https://x.example/a b'
 export PRODUCT=$HOME/Lumacap
 refused 'in its own package' DIST="$PRODUCT/dist"
-rm "$PRODUCT/setup.exe"
+touch "$PRODUCT/$(printf '%0191d' 0)"
+refused 'is too long to be unpacked'
+rm "$PRODUCT/"{000*,setup.exe}
 refused 'has no setup.exe'
 rm "$PRODUCT/LumUnInst.exe"
 refused 'has to be mended first'

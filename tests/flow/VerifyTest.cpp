@@ -65,6 +65,8 @@ TEST_F(Verify, InstallIsWholeAndNothingChangesByLooking)
     EXPECT_EQ(Told(), L"0");
     EXPECT_EQ(Told(L"--removed E:\\elsewhere"), L"0");
     EXPECT_EQ(Join(Difference(picture, TakePicture())), L"");
+    RemoveTree(At(L"package\\page.url"));
+    EXPECT_EQ(Told(), L"1\npackage\\LumUnInst.log names in line 31 what the package doesn't hold");
 }
 
 // Each is told, by itself, and the next install mends it.
@@ -78,7 +80,6 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
     const std::string strList = ReadBytes(At(L"package\\LumUnInst.log"));
     const std::pair<std::function<void()>, std::wstring> kCases[] = {
         { [] {}, L"" },
-        { [&] { Install(L"-instdir C:/corner/T"); }, L"" },
         { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 262145" },
         { [&] { Edit(L"T\\page.url", L"!", L"."); }, L"T\\page.url has the right size, and another content" },
         { [&] { RemoveTree(strPage), MakeFolder(strPage); }, L"T\\page.url is missing" },
@@ -88,14 +89,15 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { hold = HoldFile(strPage, 0); }, L"T\\page.url can't be compared, since one can't be read" },
         { [&] { hold = HoldFile(At(L"package\\page.url"), 0); },
           L"T\\page.url can't be compared, since one can't be read" },
-        { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN); },
-          L"T\\page.url is hidden, and the package's file isn't" },
+        { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM); },
+          L"T\\page.url is hidden, and the package's file isn't\n"
+          L"T\\page.url is a system file, and the package's file isn't" },
         { [&] { SetAttributes(strLog, FILE_ATTRIBUTE_READONLY); },
           L"T\\LumUnInst.log is read-only, and the package's file isn't" },
         { [&] { CopyOneFile(ProductOfVersion(L"8.19.9.0"), At(L"T\\Lumacap8.exe")); },
           L"T\\Lumacap8.exe is of version 8.19.9.0, and the package's file of 8.20.1.0" },
         { [&] { Edit(L"T\\Lumacap8.exe", L"OS", L"os"); }, L"T\\Lumacap8.exe has the right size, and another content" },
-        { [&] { RemoveTree(At(L"T\\Empty")); }, L"T\\Empty is missing: there is no such folder" },
+        { [&] { RemoveTree(At(L"T\\Empty")); }, L"" },
         { [&] { RemoveTree(At(L"T")); }, L"T is missing: there is no such folder" },
         { [&] { Install(L"-instdir \\\\nowhere\\T"); }, L"\\\\nowhere\\T is missing: there is no such folder" },
         // What waits
@@ -106,8 +108,12 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
               Install();
           },
           L"3\nT\\page.url comes at the next start of the machine" },
-        { [&] { MoveFileExW(strPage.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT); },
+        { [&] { hold = HoldFile(strPage, FILE_SHARE_READ), Install(), Install(); },
           L"T\\page.url goes at the next start, and the package's doesn't come" },
+        { [&] { hold = HoldFile(strLog, FILE_SHARE_READ), Install(); },
+          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+        { [&] { Install(L"-instdir C:/corner/T"), MoveFileExW(strPage.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT); },
+          L"C:/corner/T\\page.url goes at the next start, and the package's doesn't come" },
         { [&] { MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); },
           L"T\\page.url goes at the next start, and the package's doesn't come" },
         { [&]
@@ -129,6 +135,8 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         // Registry
         { [&] { SetKeyText(kMachine, kEntry, L"DisplayVersion", L"1"); },
           L"HKLM\\" + kEntry + L" : DisplayVersion is 1, and should be 8.20.01" },
+        { [&] { SetKeyText(kMachine, kProduct, L"AllUsers", L"B"); },
+          L"HKLM\\" + kProduct + L" : AllUsers is B, and should be A" },
         { [&] { SetKeyText(kMachine, kEntry, L"MajorVersion", L"8"); },
           L"HKLM\\" + kEntry + L" : MajorVersion is of another kind, and should be 8" },
         { [&] { RemoveValue(kMachine, kAppPath, L""); },

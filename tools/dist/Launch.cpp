@@ -42,11 +42,16 @@ public:
         return m_nCount > 1 && IsOneOf(m_ppsz[1], L"-s", L"/s") ? m_ppsz[1] : nullptr;
     }
 
-    bool NameFolder() const
+    // Which may be relative to the user's working folder.
+    bool NamePath() const
     {
+        wchar_t szSwitch[_countof(L"-sfxname=")];
         for (int i = 1; i < m_nCount; ++i)
-            if (IsOneOf(m_ppsz[i], L"-instdir", L"-instport"))
+        {
+            lstrcpynW(szSwitch, m_ppsz[i], _countof(szSwitch));
+            if (lstrcmpW(szSwitch, L"-sfxname=") == 0 || IsOneOf(m_ppsz[i], L"-instdir", L"-instport"))
                 return true;
+        }
         return false;
     }
 
@@ -100,12 +105,12 @@ static DWORD AwaitExitCode(HANDLE hProcess)
 
 // The packer's variable $0, of so many characters as all, holds the path of the setup, then its exit code in decimal;
 // an empty text if it can't be started. $1 holds the user's working folder: the setup gets it where the arguments name
-// a folder, which may be a relative one. All other runs stay where the packer is, since the setup would look for some
+// a path, which may be a relative one. All other runs stay where the packer is, since the setup would look for some
 // libraries in the user's folder, which may hold anything.
 extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVariables)
 {
     const CArguments arguments;
-    const wchar_t* pszFolder = arguments.NameFolder() ? pszVariables + nCharacters : nullptr;
+    const wchar_t* pszFolder = arguments.NamePath() ? pszVariables + nCharacters : nullptr;
     wchar_t* const pszCommandLine = NewCommandLine(pszVariables, arguments);
     *pszVariables = L'\0';
     STARTUPINFOW startup = {};

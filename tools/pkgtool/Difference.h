@@ -11,6 +11,7 @@ struct DifferenceKind
 };
 
 inline constexpr DifferenceKind kNotRegistered = { "not-registered", L"is missing: no installation is registered" };
+inline constexpr DifferenceKind kPackageLacks = { "package-lacks", L"names in line %1 what the package doesn't hold" };
 inline constexpr DifferenceKind kFolderMissing = { "folder-missing", L"is missing: there is no such folder" };
 inline constexpr DifferenceKind kFileMissing = { "file-missing", L"is missing" };
 inline constexpr DifferenceKind kFileSize = { "file-size", L"has %1 bytes, and the package's file %2" };

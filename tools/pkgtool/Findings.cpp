@@ -174,6 +174,15 @@ bool CFindings::IsSilenced(const Place& place) const
     return first->first.nLine == place.nLine && first->first.nKind < FINDING_NO_MATCH;
 }
 
+std::vector<int> CFindings::LinesWith(FindingKind nKind) const
+{
+    std::vector<int> lines;
+    for (const auto& [place, subject] : m_findings)
+        if (place.nKind == nKind)
+            lines.push_back(place.nLine);
+    return lines;
+}
+
 int CFindings::Print() const
 {
     int nPrinted = 0;

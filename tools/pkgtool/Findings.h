@@ -5,6 +5,7 @@
 
 #include <map>
 #include <utility>
+#include <vector>
 
 // The first group is about the list as a whole, the second about how a line is written. A finding of the second group
 // silences those of the third on its line, since these may be mere consequences. Kinds of one name differ in what is
@@ -59,6 +60,9 @@ public:
     // A finding of a line, or with line 0 of the package as a whole; strSubject is the record, or the file. strDetail
     // is the name that the finding's texts have a place for. One line has each kind once.
     void Add(FindingKind nKind, int nLine, const CString& strSubject, const CString& strDetail = CString());
+
+    // The lines, in their order, that have findings of the kind.
+    std::vector<int> LinesWith(FindingKind nKind) const;
 
     // Prints what isn't silenced, in the order of the lines, the package as a whole last. Returns the number printed.
     int Print() const;

@@ -47,7 +47,8 @@ static std::vector<Name> NamesIn(const CString& strFolder)
               {
                   if (a.bFolder != b.bFolder)
                       return b.bFolder;
-                  return a.strName.CompareNoCase(b.strName) < 0;
+                  const int nOrder = a.strName.CompareNoCase(b.strName);
+                  return nOrder != 0 ? nOrder < 0 : a.strName < b.strName;
               });
     return names;
 }
@@ -97,25 +98,26 @@ static bool IsLeftOut(const CString& strPath)
     return strPath.CompareNoCase(kFileListName) == 0 || strPath.CompareNoCase(L"setup.exe") == 0;
 }
 
-// The lines of the list that stands which are to be kept, and the files that they bring.
-static std::vector<CString> KeptRecords(const CString& strList, std::set<CString>& brought)
+// The records of the list that stands which are to be kept.
+static std::vector<ListLine> KeptRecords(const CString& strList)
 {
-    std::vector<CString> kept;
-    CInstallLogReader list(strList);
-    while (list.ReadLine())
+    std::vector<ListLine> kept;
+    for (const ListLine& line : ReadCheckedList(strList).lines)
         for (const wchar_t* pszPrefix : { kFileCopyIfAbsent, kFileCopyPortable, kFileOverwrite, kFileDel })
-        {
-            const wchar_t* pszValue = FindRecordValue(list.Line(), pszPrefix);
-            if (pszValue == nullptr)
-                continue;
-            CString strSource;
-            CString strTarget;
-            SplitFileValue(pszValue, strSource, strTarget);
-            if (pszPrefix == kFileCopyIfAbsent || pszPrefix == kFileCopyPortable)
-                brought.insert(FoldCase(strSource));
-            kept.push_back(list.Line());
-        }
+            if (StartsWith(line.strText, pszPrefix))
+                kept.push_back(line);
     return kept;
+}
+
+// The files that the records bring, as a plan's folded paths.
+static std::set<CString> FilesOf(const CString& strFolder, const std::vector<ListLine>& records)
+{
+    Package package = { strFolder, {} };
+    package.list.lines = records;
+    CFindings findings;
+    Plan plan = { KIND_PORTABLE, {}, {}, findings };
+    PlanInstall(package, plan);
+    return plan.named;
 }
 
 static CString Line(const wchar_t* pszPrefix, const CString& strValue)
@@ -126,19 +128,19 @@ static CString Line(const wchar_t* pszPrefix, const CString& strValue)
 // A file copied as itself makes its folder, parents and all; a renamed one finds the folders made. An install makes a
 // folder one level deep, so that those without files come from the top. A removal takes each folder where it is named,
 // so that all are named once more from the bottom.
-static CString Compose(const FolderContent& content, bool bHasUninstaller, const std::set<CString>& brought)
+static CString Compose(const CString& strRoot, const FolderContent& content, const std::set<CString>& brought)
 {
     CString strList;
     std::set<CString> made;
     for (const CString& strFile : content.files)
     {
-        if (IsLeftOut(strFile) || brought.count(FoldCase(strFile)) != 0)
+        if (IsLeftOut(strFile) || brought.count(FoldPath(strRoot + L"\\" + strFile)) != 0)
             continue;
         strList += Line(kFileCopy, strFile);
         for (CString strFolder = ParentFolder(strFile); !strFolder.IsEmpty(); strFolder = ParentFolder(strFolder))
             made.insert(strFolder);
     }
-    if (!bHasUninstaller)
+    if (!PathExists(strRoot + kUninstallerPath))
         strList += Line(kFileCopy, CString(L"setup.exe > ") + kUninstallerName);
     for (const CString& strFolder : content.folders)
         if (made.count(strFolder) == 0)
@@ -151,10 +153,13 @@ static CString Compose(const FolderContent& content, bool bHasUninstaller, const
 static bool TellUnsayable(const FolderContent& content)
 {
     bool bAny = false;
+    std::set<CString> folded;
     for (const std::vector<CString>* pPaths : { &content.files, &content.folders })
         for (const CString& strPath : *pPaths)
         {
-            const CString strWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder);
+            CString strWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder);
+            if (!folded.insert(FoldCase(strPath)).second)
+                strWhy = L"another name differs from it in its case only";
             if (strWhy.IsEmpty())
                 continue;
             PrintLine(stderr, strPath + L": can't be said in a list: " + strWhy);
@@ -192,6 +197,8 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
         return Refuse(CString(L"there is no folder ") + pszFolder);
     if (!PathExists(strFolder + kProductExePath))
         return Refuse(CString(L"there is no product in ") + pszFolder);
+    if (!PathExists(strFolder + kUninstallerPath) && !PathExists(strFolder + L"\\setup.exe"))
+        return Refuse(CString(L"there is neither setup.exe nor LumUnInst.exe in ") + pszFolder);
     if (PathExists(strPath) && !bAnew)
         return Refuse(CString(L"there is a list already, which --force writes anew, in ") + pszFolder);
 
@@ -199,11 +206,10 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     Collect(strFolder, L"", content);
     if (TellUnsayable(content))
         return EXIT_FINDINGS;
-    std::set<CString> brought;
-    const std::vector<CString> kept = KeptRecords(strPath, brought);
-    CString strList = Compose(content, PathExists(strFolder + kUninstallerPath), brought);
-    for (const CString& strRecord : kept)
-        strList += strRecord + L"\r\n";
+    const std::vector<ListLine> kept = KeptRecords(strPath);
+    CString strList = Compose(strFolder, content, FilesOf(strFolder, kept));
+    for (const ListLine& record : kept)
+        strList += record.strText + L"\r\n";
     if (!WriteList(strFolder, strPath, strList))
         return Refuse(CString(L"the list can't be written in ") + pszFolder);
     CString strSum;

@@ -66,6 +66,8 @@ static int Verify(const Options& options)
     if (!ReadPackage(FromUtf8(options.strFolder), package))
         return EXIT_UNUSABLE;
     const CString strTarget = CleanFolderArgument(FromUtf8(options.strTarget));
+    if (strTarget.IsEmpty() != options.strTarget.empty() || strTarget.GetLength() >= MAX_PATH)
+        return Refuse(L"no install goes to " + FromUtf8(options.strTarget));
     return ReportVerification(package, strTarget, options.bRemoved, options.bJson);
 }
 

@@ -1,6 +1,7 @@
 #include "tools/pkgtool/PendingList.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "foundation/FolderPaths.h"
@@ -33,6 +34,7 @@ CPendingList::CPendingList()
     }
 }
 
+// The operations are carried out in their order: what an earlier one took is nothing to a later one.
 void CPendingList::Add(CString strFrom, CString strTo)
 {
     for (CString* pstrPath : { &strFrom, &strTo })
@@ -40,14 +42,15 @@ void CPendingList::Add(CString strFrom, CString strTo)
         const int nMark = pstrPath->Find(L"\\??\\");
         *pstrPath = nMark >= 0 ? pstrPath->Mid(nMark + 4) : *pstrPath;
     }
-    m_ends[FoldCase(strFrom)].Empty();
-    if (!strTo.IsEmpty())
-        m_ends[FoldCase(strTo)] = strFrom;
+    CString& strEnd = m_ends.try_emplace(FoldPath(strFrom), strFrom).first->second;
+    const CString strSource = std::exchange(strEnd, CString());
+    if (!strTo.IsEmpty() && !strSource.IsEmpty())
+        m_ends[FoldPath(strTo)] = strSource;
 }
 
 bool CPendingList::Takes(const CString& strPath) const
 {
-    const auto end = m_ends.find(FoldCase(strPath));
+    const auto end = m_ends.find(FoldPath(strPath));
     if (end == m_ends.end() || !end->second.IsEmpty())
         return false;
     WIN32_FIND_DATAW found;
@@ -62,6 +65,6 @@ bool CPendingList::Takes(const CString& strPath) const
 
 CString CPendingList::ReplacementOf(const wchar_t* pszPath) const
 {
-    const auto end = m_ends.find(FoldCase(pszPath));
+    const auto end = m_ends.find(FoldPath(pszPath));
     return end != m_ends.end() ? end->second : CString();
 }

@@ -63,9 +63,8 @@ static Difference CompareFiles(const CString& strFile, const CString& strSource)
 }
 
 // By their paths on the machine, and without the links, which stand where the log says.
-static std::vector<TreeEntry> PlanEntries(const Verification& result)
+static std::vector<TreeEntry> PlanEntries(const Verification& result, CFindings& findings)
 {
-    CFindings findings; // of a check, and not told here
     Plan plan = { static_cast<InstallKind>(g_nInstallKind), {}, {}, findings };
     PlanInstall(result.package, plan);
     std::vector<TreeEntry> entries;
@@ -81,22 +80,28 @@ static std::vector<TreeEntry> PlanEntries(const Verification& result)
     return entries;
 }
 
+static bool IsLog(const CString& strFile)
+{
+    return strFile.CompareNoCase(g_strInstDir + kFileListPath) == 0;
+}
+
 // The content of the log has another test.
 static void VerifyContent(Verification& result, const CString& strFile, const CString& strSource, DWORD dwAttributes)
 {
-    const bool bLog = strFile.CompareNoCase(g_strInstDir + kFileListPath) == 0;
-    const Difference difference = bLog ? Difference() : CompareFiles(strFile, strSource);
+    const Difference difference = IsLog(strFile) ? Difference() : CompareFiles(strFile, strSource);
     if (difference.pKind != nullptr)
         result.differences.push_back(difference);
     for (const auto& [dwBit, pszName] :
-         { std::make_pair(FILE_ATTRIBUTE_READONLY, L"read-only"), std::make_pair(FILE_ATTRIBUTE_HIDDEN, L"hidden") })
+         { std::make_pair(FILE_ATTRIBUTE_READONLY, L"read-only"), std::make_pair(FILE_ATTRIBUTE_HIDDEN, L"hidden"),
+           std::make_pair(FILE_ATTRIBUTE_SYSTEM, L"a system file") })
     {
         if ((dwAttributes & dwBit) != 0 && (GetFileAttributesW(strSource) & dwBit) == 0)
             result.Add(kFileProtected, strFile, pszName);
     }
 }
 
-// A replacement that waits is as good as the file, and another one no better than none. Of a library it is enough that
+// A replacement that waits is as good as the file, but for the log: the install's own lines stand in the old one only.
+// Another one is no better than none. Of a library it is enough that
 // the system has it, which is asked without running its code.
 static void VerifyFile(Verification& result, const TreeEntry& entry)
 {
@@ -106,7 +111,7 @@ static void VerifyFile(Verification& result, const TreeEntry& entry)
     const bool bThere = (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
     ++result.nChecked;
     if (!strNext.IsEmpty() && CompareFiles(strNext, entry.strSource).pKind == nullptr)
-        result.Add(kFileWaits, strFile);
+        result.Add(IsLog(strFile) ? kLogEnd : kFileWaits, strFile);
     else if (bThere && (!strNext.IsEmpty() || result.pending.Takes(strFile)))
         result.Add(kFileGoes, strFile);
     else if (bThere)
@@ -118,18 +123,21 @@ static void VerifyFile(Verification& result, const TreeEntry& entry)
         result.Add(kFileMissing, strFile);
 }
 
+// A folder is asked for by its files only: one without any goes at the next start after each install but the first, and
+// may be gone already.
 static void VerifyEntries(Verification& result)
 {
-    const std::vector<TreeEntry> entries = PlanEntries(result);
+    CFindings findings;
+    const std::vector<TreeEntry> entries = PlanEntries(result, findings);
     for (const TreeEntry& entry : entries)
     {
         ShowProgress(&entry - entries.data(), entries.size());
         if (!entry.bFolder)
             VerifyFile(result, entry);
-        else if (!IsRealFolder(entry.strPath))
-            result.Add(kFolderMissing, entry.strPath);
     }
     ShowProgress(entries.size(), entries.size());
+    for (const int nLine : findings.LinesWith(FINDING_NO_MATCH))
+        result.Add(kPackageLacks, result.package.strFolder + kFileListPath, NumberText(nLine));
 }
 
 static bool EndsWithNoCase(const CString& strText, const CString& strEnd)
@@ -156,7 +164,7 @@ static bool NoteLogged(Verification& result, const CString& strLine)
 static void VerifyLog(Verification& result)
 {
     const CString strLog = g_strInstDir + kFileListPath;
-    if (!PathExists(strLog))
+    if (!PathExists(strLog) || !result.pending.ReplacementOf(strLog).IsEmpty())
         return;
     const std::string strBytes = ReadBytes(strLog);
     const std::string strList = ReadBytes(result.package.strFolder + kFileListPath);
@@ -178,6 +186,20 @@ static void VerifyLog(Verification& result)
         result.Add(kLogEnd, strLog);
     else
         result.bLogWhole = true;
+}
+
+static bool IsInMenu(const CString& strGroup, int nKind)
+{
+    const CString strMenu = FindShellFolder(nKind == KIND_ALL_USERS ? CSIDL_COMMON_PROGRAMS : CSIDL_PROGRAMS) + L"\\";
+    return strGroup.Left(strMenu.GetLength()).CompareNoCase(strMenu) == 0;
+}
+
+// The registered kind can't tell of its own change: the place of the group does.
+static void FindKind(const Verification& result)
+{
+    const int nOther = g_nInstallKind == KIND_ALL_USERS ? KIND_CURRENT_USER : KIND_ALL_USERS;
+    if (!IsInMenu(result.strGroup, g_nInstallKind) && IsInMenu(result.strGroup, nOther))
+        g_nInstallKind = nOther;
 }
 
 static CString LinkPath(const CString& strFolder, UINT nName)
@@ -256,6 +278,7 @@ void VerifyInstall(Verification& result, const CString& strFolder)
     VerifyLog(result);
     if (g_nInstallKind == KIND_PORTABLE)
         return;
+    FindKind(result);
     VerifyLinks(result);
     VersionText(result.package.strFolder + kProductExePath);
     ForEachRegisteredValue(VerifyValue, reinterpret_cast<LPARAM>(&result));
@@ -307,7 +330,8 @@ void VerifyRemoval(Verification& result, const CString& strFolder)
 {
     if (!FindInstallation(strFolder))
         g_strInstDir = GetProgramFilesFolder() + L"\\" + kProductName;
-    for (const TreeEntry& entry : PlanEntries(result))
+    CFindings findings; // of the package, and not of what stands
+    for (const TreeEntry& entry : PlanEntries(result, findings))
     {
         result.nChecked += !entry.bFolder;
         AddIfLeft(result, entry.bFolder ? kFolderLeft : kFileLeft, entry.strPath);
