@@ -4,6 +4,7 @@
 #include <afxwin.h>
 #include <shlobj.h>
 
+#include <filesystem>
 #include <regex>
 
 #include "app/RunState.h"
@@ -161,15 +162,17 @@ protected:
 private:
     void PutMachine() const
     {
-        Make(kFiles + L"|package\\busy|package\\Lang\\x|target\\old|target\\LumUnInst.exe|group\\x", "mine");
-        WriteBytes(kPendingProfile, "");
-        SetAttributes(At(L"target\\old"), FILE_ATTRIBUTE_READONLY);
+        Make(L"package\\ind.dll|package\\busy|package\\Lang\\x", "mine");
         CopyOneFile(ProductOfVersion(L"8.21.0.0"), At(L"package\\Lumacap8.exe"));
         WriteBytes(At(L"package\\LumUnInst.log"),
                    "File Del: old\nMake Dir: Sub\nFile Copy: Lang\\*.*\n"
                    "File Copy ind: ind.dll\nFile Copy: busy\nMade Dir: C:\\corner\\group\n"
                    "Shell Link: C:\\corner\\group\\x\n");
-        CopyTree(At(L"package"), At(L"target"));
+        // The library takes any two folders that are there for one, since it tells them apart by what is zero here.
+        std::filesystem::copy(At(L"package"), At(L"target"), std::filesystem::copy_options::recursive);
+        Make(kFiles + L"|target\\old|target\\LumUnInst.exe|group\\x", "mine");
+        WriteBytes(kPendingProfile, "");
+        SetAttributes(At(L"target\\old"), FILE_ATTRIBUTE_READONLY);
         for (const auto& [hRoot, pszKey] : kKeys)
             SetKeyText(hRoot, pszKey, L"", L"mine");
         SetKeyText(HKEY_USERS, OTHER_HIVE WINDOWS_KEY L"Explorer\\Shell Folders", L"Programs", At(L"other\\Programs"));

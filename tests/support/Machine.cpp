@@ -137,16 +137,6 @@ void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo)
     Demand(CopyFileW(strFrom.c_str(), strTo.c_str(), FALSE), "copy to", strTo);
 }
 
-void CopyTree(const std::wstring& strFrom, const std::wstring& strTo)
-{
-    MakeFolder(strTo);
-    for (const std::wstring& strPath : ListTree(strFrom))
-        if (strPath.back() == L'\\')
-            MakeFolder(strTo + L"\\" + strPath);
-        else
-            CopyOneFile(strFrom + L"\\" + strPath, strTo + L"\\" + strPath);
-}
-
 static bool TryRemoveTree(const std::wstring& strPath)
 {
     if (!IsThere(strPath))

@@ -36,8 +36,6 @@ void WriteBytes(const std::wstring& strPath, const std::string& strBytes);
 // Reads files that others hold open for writing too.
 std::string ReadBytes(const std::wstring& strPath);
 void CopyOneFile(const std::wstring& strFrom, const std::wstring& strTo);
-// Copies what the folder holds.
-void CopyTree(const std::wstring& strFrom, const std::wstring& strTo);
 // Removes read-only files too, and does nothing if the path isn't there.
 void RemoveTree(const std::wstring& strPath);
 // Sorted paths relative to the folder, those of folders with a backslash at their end. None without the folder.

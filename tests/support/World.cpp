@@ -1,6 +1,7 @@
 // The corner's folders have short paths, so that long relative ones fit below them.
 #include "tests/support/World.h"
 
+#include <filesystem>
 #include <stdlib.h>
 #include <tuple>
 
@@ -58,7 +59,7 @@ std::wstring World::Pending(const std::wstring& strBelow) const
 
 void World::PutPackage() const
 {
-    CopyTree(BuildFolder() + L"\\package", At(L"package"));
+    std::filesystem::copy(BuildFolder() + L"\\package", At(L"package"), std::filesystem::copy_options::recursive);
 }
 
 void ResetProgramState()
