@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <iomanip>
 #include <iterator>
+#include <sstream>
 #include <stdlib.h>
 
 #include "foundation/Owners.h"
@@ -245,25 +247,16 @@ static std::string SavedKey(HKEY hKey)
     return strSaved;
 }
 
-// `"A \"text\""` to `A "text"`, `dword:0000000a` to `dword 10`, all else as it stands.
-static std::wstring SavedText(const std::wstring& strSaved)
+// Up to the mark: `"A \"text\""` as `A "text"`, `dword:0000000a` as `dword 10`, all else as it stands.
+static std::wstring NextPart(std::wistream& saved, wchar_t chEnd)
 {
-    if (strSaved.compare(0, 6, L"dword:") == 0)
-        return L"dword " + std::to_wstring(wcstoul(strSaved.c_str() + 6, nullptr, 16));
-    if (strSaved.empty() || strSaved[0] != L'"')
-        return strSaved;
-    std::wstring strText;
-    for (size_t n = 1; n + 1 < strSaved.size(); n++)
-        strText += strSaved[n] == L'\\' ? strSaved[++n] : strSaved[n];
-    return strText;
-}
-
-static size_t EndOfQuoted(const std::wstring& strLine)
-{
-    size_t n = 1;
-    for (; n < strLine.size() && strLine[n] != L'"'; n++)
-        n += strLine[n] == L'\\';
-    return n + 1;
+    std::wstring strQuoted;
+    std::wstring strRest;
+    if (saved.peek() == L'"')
+        saved >> std::quoted(strQuoted);
+    std::getline(saved, strRest, chEnd);
+    const bool bNumber = strRest.compare(0, 6, L"dword:") == 0;
+    return strQuoted + (bNumber ? L"dword " + std::to_wstring(std::stoul(strRest.substr(6), nullptr, 16)) : strRest);
 }
 
 // A saved key is a line `[PATH] TIME`, with lines `"NAME"=DATA` or `@=DATA` behind it.
@@ -280,21 +273,22 @@ void FlattenKey(HKEY hRoot, const std::wstring& strKey, const std::wstring& strL
             lines.push_back(strPath + L"\\");
         bEmpty = false;
     };
-    for (const std::wstring& strLine : Split(Replaced(Wide(SavedKey(key)), L"\\\n  ", L""), L'\n'))
+    std::wistringstream saved(Replaced(Wide(SavedKey(key)), L"\\\n  ", L""));
+    while (saved)
     {
-        const bool bNamed = strLine[0] == L'"';
-        if (strLine[0] == L'[')
+        const wint_t chFirst = saved.peek();
+        const bool bValue = chFirst == L'"' || chFirst == L'@';
+        const std::wstring strPart = NextPart(saved, bValue ? L'=' : L'\n');
+        if (chFirst == L'[')
         {
             endKey();
-            const std::wstring strRelative = strLine.substr(1, strLine.rfind(L']') - 1);
+            const std::wstring strRelative = strPart.substr(1, strPart.rfind(L']') - 1);
             strPath = strLabel + (strRelative.empty() ? L"" : L"\\") + Replaced(strRelative, L"\\\\", L"\\");
             bEmpty = true;
         }
-        else if (bNamed || strLine[0] == L'@')
+        else if (bValue)
         {
-            const size_t nEnd = bNamed ? EndOfQuoted(strLine) : 1;
-            const std::wstring strName = strLine.substr(0, nEnd);
-            lines.push_back(strPath + L" : " + SavedText(strName) + L" = " + SavedText(strLine.substr(nEnd + 1)));
+            lines.push_back(strPath + L" : " + strPart + L" = " + NextPart(saved, L'\n'));
             bEmpty = false;
         }
     }
