@@ -2,7 +2,6 @@
 // of the package and the target, writes past a block of the heap or keeps one. A write past an array on the stack is
 // seen only if it crashes. The environment's LUMACAP_HOSTILE_FIRST and LUMACAP_HOSTILE_LISTS choose other numbers and
 // more.
-#include <algorithm>
 #include <unordered_map>
 
 #include "app/RunState.h"
@@ -107,34 +106,13 @@ void Free(char* pBlock)
     free(pBlock);
 }
 
-char* Reallocate(char* pBlock, size_t cb)
-{
-    const auto block = s_blocks.find(pBlock);
-    if (pBlock != nullptr && block == s_blocks.end())
-        return static_cast<char*>(realloc(pBlock, cb));
-    const size_t cbEarlier = pBlock != nullptr ? block->second : 0;
-    char* const pNew = Allocate(cb);
-    if (cbEarlier != 0)
-        memcpy(pNew, pBlock, std::min(cb, cbEarlier));
-    Free(pBlock);
-    return pNew;
-}
-
 // For the rest of the process, since blocks outlive tests. Handlers mustn't free what was allocated outside of them.
+// What runs here calls neither calloc nor realloc.
 void GuardHeap()
 {
-    const auto result = [](void* p) { return reinterpret_cast<INT_PTR>(p); };
-    const auto block = [](const CALL& call) { return reinterpret_cast<char*>(call.args[0]); };
     static CCalls s_guard({
-        { "malloc", [=](CALL& call) { return result(Allocate(call.args[0])); } },
-        { "calloc",
-          [=](CALL& call)
-          {
-              const size_t cb = call.args[0] * call.args[1];
-              return result(memset(Allocate(cb), 0, cb));
-          } },
-        { "realloc", [=](CALL& call) { return result(Reallocate(block(call), call.args[1])); } },
-        { "free", [=](CALL& call) { return Free(block(call)), 0; } },
+        { "malloc", [](CALL& call) { return reinterpret_cast<INT_PTR>(Allocate(call.args[0])); } },
+        { "free", [](CALL& call) { return Free(reinterpret_cast<char*>(call.args[0])), 0; } },
     });
 }
 
