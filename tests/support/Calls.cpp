@@ -30,19 +30,11 @@ CommonEntry:
     movq %r8, 24(%rsp)
     movq %r9, 32(%rsp)
     pushq %r11
-    subq $64, %rsp
-    movsd %xmm0, 32(%rsp)
-    movsd %xmm1, 40(%rsp)
-    movsd %xmm2, 48(%rsp)
-    movsd %xmm3, 56(%rsp)
+    subq $32, %rsp
     movq %r11, %rcx
-    leaq 80(%rsp), %rdx
+    leaq 48(%rsp), %rdx
     call Dispatch
-    movsd 32(%rsp), %xmm0
-    movsd 40(%rsp), %xmm1
-    movsd 48(%rsp), %xmm2
-    movsd 56(%rsp), %xmm3
-    addq $64, %rsp
+    addq $32, %rsp
     popq %r11
     movq 8(%rsp), %rcx
     movq 16(%rsp), %rdx
