@@ -1,23 +1,10 @@
-// What waits for the next boot: the platform's own list, and the profile file where that can't be had.
+// What waits for the next boot where the platform's own list can't be had: the profile file.
 #include "uninstall/BootList.h"
 
 #include "app/RunState.h"
 #include "tests/support/World.h"
 
 using BootList = World;
-
-TEST_F(BootList, RequestsStandInTheirOrder)
-{
-    Make(L"a b|folder\\");
-    g_bRebootNeeded = 7;
-    for (const wchar_t* pszName : { L"a b", L"folder", L"missing", L"a b" })
-        DeleteAtReboot(At(pszName).c_str());
-    EXPECT_EQ(g_bRebootNeeded, 7);
-    ReplaceAtReboot(At(L"new").c_str(), At(L"a b").c_str());
-    EXPECT_EQ(g_bRebootNeeded, 1);
-    EXPECT_EQ(Pending(), L"-a b -folder -missing -a b new>a b");
-    EXPECT_FALSE(IsThere(kPendingProfile));
-}
 
 // An oddity to keep: the profile's entry of a replacement throws the new file away, and the target isn't named.
 TEST_F(BootList, LaterFailedReplacementClearsTheRebootRequest)

@@ -37,7 +37,7 @@ TEST_F(LogReplay, RecordsTakeAwayTheirFilesAndThenTheirFolders)
           L"a d e\\ e\\y; " },
         // Files go before folders, whatever their order in the log. A mask for everything meets the folder itself and
         // its parent.
-        { L"Make Dir: d\nFile Copy: d\\*\n", L"d\\x z", L"z; -d -." },
+        { L"Make Dir: d\nFile Copy: d\\*\nMake Dir: d\n", L"d\\x z", L"z; -d -. -d" },
         // A parent named first waits for the boot, the folder in it goes.
         { L"Make Dir: p\nMake Dir: p\\q\nMake Dir: d > e\n", L"p\\q\\ d\\ e\\", L"d\\ e\\ p\\; -p -d > e" },
         // A forward slash is found, but what is then deleted, or waits, is the wrong path.
