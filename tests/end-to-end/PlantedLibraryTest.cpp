@@ -53,9 +53,9 @@ TEST_F(PlantedLibrary, IsTakenByACarelessProgramButByNoSetup)
     EXPECT_TRUE(CWindowDriver(wizard.Id(), L"Lumacap Setup").IsVisible(IDOK));
     wizard.End();
     EXPECT_EQ(Taken(), strByPlatform);
-    EXPECT_EQ(RunToEnd(At(L"package\\setup.exe -install -s")), 0u);
+    EXPECT_EQ(RunToEnd(At(L"package\\setup.exe -install -s")).nExitCode, 0u);
     EXPECT_EQ(Taken(), strByPlatform);
     CopyOneFile(BuildFolder() + L"\\dist\\Lumacap8Setup.exe", At(L"package\\Lumacap8Setup.exe"));
-    EXPECT_EQ(RunToEnd(At(L"package\\Lumacap8Setup.exe -install -s")), 0u);
+    EXPECT_EQ(RunToEnd(At(L"package\\Lumacap8Setup.exe -install -s")).nExitCode, 0u);
     EXPECT_EQ(Taken(), strByPlatform);
 }

@@ -73,7 +73,7 @@ static void Take(const std::wstring& strVerb, const std::wstring& strRest)
     }
     else if (strVerb == L"run")
         Run(strRest);
-    else if (RunToEnd(L"cmd.exe /c " + strVerb + L" " + strRest) != 0)
+    else if (RunToEnd(L"cmd.exe /c " + strVerb + L" " + strRest).nExitCode != 0)
         Fail("an error");
 }
 

@@ -113,7 +113,7 @@ protected:
             for (const std::wstring& strArgument : arguments)
                 strCommand += L" \"" + strArgument + L"\"";
             prepare();
-            EXPECT_EQ(RunToEnd(strCommand), kInterrupted);
+            EXPECT_EQ(RunToEnd(strCommand).nExitCode, kInterrupted);
             makeUpFor();
         }
     }

@@ -31,24 +31,10 @@ static LONG WINAPI ReportCrash(EXCEPTION_POINTERS* pException)
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-static bool IsThrowawayMachine()
-{
-    const wchar_t* pszPromise = _wgetenv(L"LUMACAP_THROWAWAY_MACHINE");
-    return pszPromise != nullptr && wcscmp(pszPromise, L"1") == 0;
-}
-
-// The program's objects entered this process in the product's list of instances, where every setup under test would
-// find it; and the list would outlive the programs under test, with what they leave in it. A list of its own takes its
-// place.
-static void LeaveProductList()
-{
-    g_InstanceManager.~COXInstanceManager();
-    new (&g_InstanceManager) COXInstanceManager(L"Lumacap.Tests", 1024, true);
-}
-
 int wmain(int argc, wchar_t** argv)
 {
-    if (!IsThrowawayMachine())
+    const wchar_t* pszPromise = _wgetenv(L"LUMACAP_THROWAWAY_MACHINE");
+    if (pszPromise == nullptr || wcscmp(pszPromise, L"1") != 0)
     {
         printf("These tests install and remove software: they need a machine to be thrown away, as `make test` has.\n");
         return kWrongMachine;
@@ -60,7 +46,11 @@ int wmain(int argc, wchar_t** argv)
     if (CChildRole::Run(argc, argv, nResult))
         return nResult;
 
-    LeaveProductList();
+    // The program's objects entered this process in the product's list of instances, where every setup under test would
+    // find it; and the list would outlive the programs under test, with what they leave in it. A list of its own takes
+    // its place.
+    g_InstanceManager.~COXInstanceManager();
+    new (&g_InstanceManager) COXInstanceManager(L"Lumacap.Tests", 1024, true);
     AfxWinInit(GetModuleHandleW(nullptr), nullptr, GetCommandLineW(), SW_SHOWNORMAL);
     ResetProgramState();
 

@@ -6,15 +6,6 @@
 
 #include "tests/support/Machine.h"
 
-// Windows of this thread must answer meanwhile: programs send messages to all top-level windows.
-static void PauseAnswering(DWORD nMilliseconds)
-{
-    MsgWaitForMultipleObjects(0, nullptr, FALSE, nMilliseconds, QS_ALLINPUT);
-    MSG msg;
-    while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageW(&msg);
-}
-
 bool WaitUntil(const std::function<bool()>& condition, DWORD nMilliseconds)
 {
     const ULONGLONG nEnd = GetTickCount64() + nMilliseconds;
@@ -22,7 +13,10 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD nMilliseconds)
     {
         if (GetTickCount64() >= nEnd)
             return false;
-        PauseAnswering(20);
+        // Windows of this thread must answer meanwhile: programs send messages to all top-level windows.
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+        for (MSG msg; PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE);)
+            DispatchMessageW(&msg);
     }
     return true;
 }
@@ -120,23 +114,17 @@ void CProcessRun::End()
         Fail("programs stay after their end");
 }
 
-DWORD RunToEnd(const std::wstring& strCommandLine)
+TOLD RunToEnd(const std::wstring& strCommandLine)
 {
     CProcessRun run(strCommandLine);
-    if (!run.Start())
-        return STILL_ACTIVE;
-    if (!run.WaitForFamily())
+    if (run.Start() && !run.WaitForFamily())
         Fail(Bytes(strCommandLine) + " takes too long");
-    return run.ExitCode();
+    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
 }
 
 TOLD RunPkgtool(const std::wstring& strArguments)
 {
-    CProcessRun run(BuildFolder() + L"\\pkgtool.exe " + strArguments);
-    run.Start();
-    if (!run.WaitForFamily())
-        Fail("pkgtool " + Bytes(strArguments) + ": it takes too long");
-    return { run.ExitCode(), Replaced(Wide(run.Output()), L"\r", L"") };
+    return RunToEnd(BuildFolder() + L"\\pkgtool.exe " + strArguments);
 }
 
 static const wchar_t kSwitch[] = L"--as";

@@ -49,14 +49,14 @@ private:
     CHandleOwner m_job;
 };
 
-// Runs a program to the end of its whole family; fails the test if that takes too long. Gives its exit code.
-DWORD RunToEnd(const std::wstring& strCommandLine);
-
 struct TOLD
 {
     DWORD nExitCode;
     std::wstring strText; // with plain line ends
 };
+
+// Runs a program to the end of its whole family; fails the test if that takes too long.
+TOLD RunToEnd(const std::wstring& strCommandLine);
 
 // Runs the tool for packages.
 TOLD RunPkgtool(const std::wstring& strArguments);

@@ -43,12 +43,6 @@ static std::vector<HWND> Descendants(HWND hWnd)
     return all;
 }
 
-static bool IsBox(HWND hWnd)
-{
-    const int nIconLabel = 1088; // of this platform's boxes, shown or not
-    return GetDlgItem(hWnd, nIconLabel) != nullptr;
-}
-
 template <typename Predicate>
 static HWND AwaitTopWindow(DWORD nProcessId, Predicate predicate)
 {
@@ -146,7 +140,8 @@ bool CWindowDriver::AwaitText(int nId, const std::wstring& strText) const
 
 std::wstring AnswerBox(DWORD nProcessId, int nCommand)
 {
-    const HWND hBox = AwaitTopWindow(nProcessId, IsBox);
+    const int nIconLabel = 1088; // of this platform's boxes, shown or not
+    const HWND hBox = AwaitTopWindow(nProcessId, [](HWND hWnd) { return GetDlgItem(hWnd, nIconLabel) != nullptr; });
     if (hBox == nullptr)
     {
         Fail("no message box came");

@@ -202,5 +202,5 @@ TEST_F(Foundation, SystemToolsAnswer)
     EXPECT_EQ(MakeTempName(L"..b", L"a", L"C:/corner/").GetString(), At(L"a10000000..b"));
     EXPECT_EQ(MakeTempName(nullptr, nullptr, L"C:\\missing").GetString(), At(L"temp\\LUMFFFFFFE.TMP"));
 
-    EXPECT_EQ(RunToEnd(CChildRole::CommandLine(L"child")), GetCurrentProcessId());
+    EXPECT_EQ(RunToEnd(CChildRole::CommandLine(L"child")).nExitCode, GetCurrentProcessId());
 }
