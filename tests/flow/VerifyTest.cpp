@@ -78,6 +78,9 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
     const std::wstring strDesktop = At(L"user\\Desktop\\Lumacap 8.lnk");
     const std::wstring strHelp = At(L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk");
     const std::string strList = ReadBytes(At(L"package\\LumUnInst.log"));
+    const std::wstring strLogEnd = L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it";
+    const std::wstring strGoes = L"T\\page.url goes at the next start, and the package's doesn't come";
+    const std::wstring strUnread = L"T\\page.url can't be compared, since one can't be read";
     const std::pair<std::function<void()>, std::wstring> kCases[] = {
         { [] {}, L"" },
         { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 262145" },
@@ -86,9 +89,8 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { RemoveTree(strPage), MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); },
           L"T\\page.url is missing" },
         { [&] { RemoveTree(At(L"T\\lcxshare.dll")); }, L"T\\lcxshare.dll is missing" },
-        { [&] { hold = HoldFile(strPage, 0); }, L"T\\page.url can't be compared, since one can't be read" },
-        { [&] { hold = HoldFile(At(L"package\\page.url"), 0); },
-          L"T\\page.url can't be compared, since one can't be read" },
+        { [&] { hold = HoldFile(strPage, 0); }, strUnread },
+        { [&] { hold = HoldFile(At(L"package\\page.url"), 0); }, strUnread },
         { [&] { SetAttributes(strPage, FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM); },
           L"T\\page.url is hidden, and the package's file isn't\n"
           L"T\\page.url is a system file, and the package's file isn't" },
@@ -108,20 +110,17 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
               Install();
           },
           L"3\nT\\page.url comes at the next start of the machine" },
-        { [&] { hold = HoldFile(strPage, FILE_SHARE_READ), Install(), Install(); },
-          L"T\\page.url goes at the next start, and the package's doesn't come" },
-        { [&] { hold = HoldFile(strLog, FILE_SHARE_READ), Install(); },
-          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+        { [&] { hold = HoldFile(strPage, FILE_SHARE_READ), Install(), Install(); }, strGoes },
+        { [&] { hold = HoldFile(strLog, FILE_SHARE_READ), Install(); }, strLogEnd },
         { [&] { Install(L"-instdir C:/corner/T"), MoveFileExW(strPage.c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT); },
-          L"C:/corner/T\\page.url goes at the next start, and the package's doesn't come" },
-        { [&] { MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); },
-          L"T\\page.url goes at the next start, and the package's doesn't come" },
+          Replaced(strGoes, L"T\\", L"C:/corner/T\\") },
+        { [&] { MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); }, strGoes },
         { [&]
           {
               BlockPending();
               WriteBytes(kPendingProfile, "[rename]\r\nNUL=" + Bytes(strPage));
           },
-          L"T\\page.url goes at the next start, and the package's doesn't come" },
+          strGoes },
         // Links
         { [&] { RemoveTree(strHelp), RemoveTree(strDesktop), Edit(L"T\\LumUnInst.log", strHelp, strDesktop); },
           L"user\\Desktop\\Lumacap 8.lnk is missing: there is no such link\n"
@@ -156,12 +155,9 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
                                                                    L" bytes of the package's list it has 100" },
         { [&] { Edit(L"T\\LumUnInst.log", L"capff", L"CAPFF"); },
           L"T\\LumUnInst.log isn't the package's list: line 11 differs" },
-        { [&] { Edit(L"T\\LumUnInst.log", L"8.lnk\r\n", L"8.ln"); },
-          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
-        { [&] { Edit(L"T\\LumUnInst.log", L"Made Dir: ", L"File Del: x\r\nMade Dir: "); },
-          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
-        { [&] { WriteBytes(strLog, strList + "\r\n"); },
-          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+        { [&] { Edit(L"T\\LumUnInst.log", L"8.lnk\r\n", L"8.ln"); }, strLogEnd },
+        { [&] { Edit(L"T\\LumUnInst.log", L"Made Dir: ", L"File Del: x\r\nMade Dir: "); }, strLogEnd },
+        { [&] { WriteBytes(strLog, strList + "\r\n"); }, strLogEnd },
         { [&] { Edit(L"T\\LumUnInst.log", L"Shell Link: " + strDesktop + L"\r\n", L""); },
           L"user\\Desktop\\Lumacap 8.lnk is a link that the log doesn't name" },
         { [&]
@@ -169,7 +165,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
               MoveFolder(HKEY_CURRENT_USER, L"Programs", At(L"\u017D"));
               Install();
           },
-          L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it" },
+          strLogEnd },
     };
     for (const auto& [damage, strTold] : kCases)
     {
