@@ -101,8 +101,8 @@ static void VerifyContent(Verification& result, const CString& strFile, const CS
 }
 
 // A replacement that waits is as good as the file, but for the log: the install's own lines stand in the old one only.
-// Another one is no better than none. Of a library it is enough that
-// the system has it, which is asked without running its code.
+// Another one is no better than none. Of a library it is enough that the system has it, which is asked without running
+// its code.
 static void VerifyFile(Verification& result, const TreeEntry& entry)
 {
     const CString& strFile = entry.strPath;
