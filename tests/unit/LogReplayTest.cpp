@@ -33,8 +33,10 @@ TEST_F(LogReplay, RecordsTakeAwayTheirFilesAndThenTheirFolders)
         { L" Make Dir: d\nfile copy: a\nFile Copy:  a\nShell Link: ~\\a\nMade Dir: d\n", L"a d\\", L"a d\\; " },
         { L"File Copy: 1\nFile Copy x64: 2\nFile Copy ind: 3\nFile Copy prt: 4\nFile Overwrite: 5\nFile Del: 6",
           L"1 2 3 4 5 6 7", L"7; " },
-        { L"File Copy: >\nFile Copy: a > b\nFile Del: c | d\nFile Copy: e\\*.x", L"a b c d e\\1.x e\\2.x e\\y",
-          L"a d e\\ e\\y; " },
+        // The first arrow counts, the tail ahead of it, and the name under which the file landed.
+        { L"File Copy: >\nFile Copy: a >\tb | > d\nFile Del: c | a > d\nFile Del: a| d\nFile Copy: a > f > d\n"
+          L"File Copy: > g\nFile Copy: e\\*.x",
+          L"a b c d e\\1.x e\\2.x e\\y f g", L"a d e\\ e\\y f; " },
         // Files go before folders, whatever their order in the log. A mask for everything meets the folder itself and
         // its parent.
         { L"Make Dir: d\nFile Copy: d\\*\nMake Dir: d\n", L"d\\x z", L"z; -d -. -d" },
