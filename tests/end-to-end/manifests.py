@@ -49,7 +49,8 @@ sets, page = (Path(name).read_text() for name in sys.argv[2:])
 program = (dist / 'Lumacap8Setup.exe').read_bytes()
 total = hashlib.sha256(program).hexdigest()
 assert (dist / 'SHA256SUMS').read_text() == f'{total}  Lumacap8Setup.exe\n'
-assert b'level="requireAdministrator"' in program
+for setup in program, (dist / '../setup.exe').read_bytes():
+    assert b'level="requireAdministrator" uiAccess="false"' in setup
 assert bytes.fromhex('14000800 00000100' * 2) in program  # 8.20.1.0, of the file and of the product
 for name, (kind, needed, possible) in FILES.items():
     content = (dist / f'winget/Tandrel.Lumacap8{name}.yaml').read_bytes()

@@ -191,9 +191,3 @@ TEST_F(App, EachFunctionIsBoundByItselfOrStaysNull)
         EXPECT_EQ(Bound(), c.second) << c.first;
     }
 }
-
-TEST_F(App, AsksForTheAdministrator)
-{
-    EXPECT_NE(ReadBytes(BuildFolder() + L"\\setup.exe").find("level=\"requireAdministrator\" uiAccess=\"false\""),
-              std::string::npos);
-}
