@@ -166,7 +166,8 @@ TEST_F(App, ExitLeavesTheListLastAndNothingCatchesAnException)
     {
         SCOPED_TRACE(c.pszOutcome);
         SetWindowsVersion(c.pszWindows);
-        CProductList list({ 70001 });
+        CSharedList list(kProductList);
+        list.Set({ 70001 });
         CProcessRun child(CChildRole::CommandLine(c.pszRole));
         ASSERT_TRUE(child.Start());
         ASSERT_TRUE(child.WaitForEnd());

@@ -125,7 +125,8 @@ public:
         const auto hold = HoldFile(At(L"target\\busy"));
         const CTestWindow window;
         g_InstanceManager.~COXInstanceManager();
-        const CProductList list({ GetCurrentProcessId() });
+        CSharedList list(kProductList);
+        list.Set({ GetCurrentProcessId() });
         int nCode = 0;
         {
             CCalls calls(StandIns());
@@ -135,7 +136,7 @@ public:
                 {
                     try
                     {
-                        new (&g_InstanceManager) COXInstanceManager(L"Tandrel.Lumacap-DX.v4", 1024, true);
+                        new (&g_InstanceManager) COXInstanceManager(kProductList, 1024, true);
                         ReadOsVersion(&g_osVersion);
                         BindDynamicApis();
                         BindLibraryApi();
@@ -164,10 +165,9 @@ private:
     {
         Make(L"package\\ind.dll|package\\busy|package\\Lang\\x", "mine");
         CopyOneFile(ProductOfVersion(L"8.21.0.0"), At(L"package\\Lumacap8.exe"));
-        WriteBytes(At(L"package\\LumUnInst.log"),
-                   "File Del: old\nMake Dir: Sub\nFile Copy: Lang\\*.*\n"
-                   "File Copy ind: ind.dll\nFile Copy: busy\nMade Dir: C:\\corner\\group\n"
-                   "Shell Link: C:\\corner\\group\\x\n");
+        Make(L"package\\LumUnInst.log", "File Del: old\nMake Dir: Sub\nFile Copy: Lang\\*.*\n"
+                                        "File Copy ind: ind.dll\nFile Copy: busy\nMade Dir: C:\\corner\\group\n"
+                                        "Shell Link: C:\\corner\\group\\x\n");
         // The library takes any two folders that are there for one, since it tells them apart by what is zero here.
         std::filesystem::copy(At(L"package"), At(L"target"), std::filesystem::copy_options::recursive);
         Make(kFiles + L"|target\\old|target\\LumUnInst.exe|group\\x", "mine");

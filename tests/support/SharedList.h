@@ -14,21 +14,23 @@
 
 using IDS = std::vector<DWORD>;
 
+// The product's. It goes, with what ended programs left in it, when nobody has it any more.
+const wchar_t kProductList[] = L"Tandrel.Lumacap-DX.v4";
+
 class CSharedList
 {
 public:
-    // Opens the list of that name as it stands, without entering it.
+    // The list of that name as it stands, without entering it; an empty one if there is none.
     explicit CSharedList(const std::wstring& strName)
-        : CSharedList(OpenFileMappingW(FILE_MAP_WRITE, FALSE, (kMappingName + strName).c_str()))
+        : m_mapping(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 131072,
+                                       (L"Local\\COXInstanceManager_FileMap_" + strName).c_str())),
+          m_bFound(GetLastError() == ERROR_ALREADY_EXISTS),
+          m_pList(static_cast<LIST*>(MapViewOfFile(m_mapping, FILE_MAP_WRITE, 0, 0, sizeof(LIST))))
     {
     }
-    ~CSharedList()
-    {
-        if (m_pList != nullptr)
-            UnmapViewOfFile(m_pList);
-    }
+    ~CSharedList() { UnmapViewOfFile(m_pList); }
 
-    bool IsThere() const { return m_pList != nullptr; }
+    bool WasThere() const { return m_bFound; }
     // "LIMIT: ID ID", with a + behind it if the room that no id takes isn't zero.
     std::string Text() const
     {
@@ -50,14 +52,6 @@ public:
         std::copy(ids.begin(), ids.end(), m_pList->anIds);
     }
 
-protected:
-    explicit CSharedList(HANDLE hMapping)
-        : m_mapping(hMapping), m_pList(static_cast<LIST*>(MapViewOfFile(m_mapping, FILE_MAP_WRITE, 0, 0, sizeof(LIST))))
-    {
-    }
-
-    static inline const std::wstring kMappingName = L"Local\\COXInstanceManager_FileMap_";
-
 private:
     struct LIST
     {
@@ -66,19 +60,7 @@ private:
         DWORD anIds[1000];
     };
 
-    CHandleOwner m_mapping;
-    LIST* m_pList;
-};
-
-// The product's list for one test, with entries of the test's choice. It goes, with what ended programs left in it,
-// when the test is over and its programs have ended.
-class CProductList : public CSharedList
-{
-public:
-    explicit CProductList(const IDS& ids)
-        : CSharedList(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 131072,
-                                         (kMappingName + L"Tandrel.Lumacap-DX.v4").c_str()))
-    {
-        Set(ids);
-    }
+    const CHandleOwner m_mapping;
+    const bool m_bFound;
+    LIST* const m_pList;
 };
