@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string.h>
 
 struct CALL_ENTRY
@@ -53,7 +52,7 @@ namespace
 const size_t kMostEntries = 1024;
 
 std::map<std::string, CALL_ENTRY*> s_entries;
-std::vector<WATCHER>& s_watchers = *new std::vector<WATCHER>; // some watch the end of the process
+WATCHER& s_watcher = *new WATCHER; // it may watch the end of the process
 int s_nObjects = 0;
 UINT_PTR s_nThread;       // of the first of them
 bool s_bHandling = false; // handlers' own calls go on undisturbed
@@ -124,8 +123,7 @@ void* Dispatch(CALL_ENTRY* pEntry, UINT_PTR* args)
     s_bHandling = true;
     CALL call = { pEntry->pszName, args, pEntry->pfnFunction };
     INT_PTR nResult = 0;
-    bool bHandled = std::any_of(s_watchers.rbegin(), s_watchers.rend(),
-                                [&](const WATCHER& watcher) { return watcher(call, nResult); });
+    bool bHandled = s_watcher && s_watcher(call, nResult);
     if (!bHandled && !pEntry->pHandlers->empty())
     {
         nResult = pEntry->pHandlers->back()(call);
@@ -177,7 +175,7 @@ CCalls::~CCalls()
     s_bHandling = false; // which a handler that left by a jump couldn't
     s_nObjects--;
     if (m_bWatching)
-        s_watchers.pop_back();
+        s_watcher = nullptr;
     for (const std::string& strName : m_names)
         s_entries[strName]->pHandlers->pop_back();
 }
@@ -196,7 +194,7 @@ void CCalls::On(const std::string& strName, HANDLER handler)
 
 void CCalls::OnAll(WATCHER watcher)
 {
-    s_watchers.push_back(std::move(watcher));
+    s_watcher = std::move(watcher);
     m_bWatching = true;
 }
 

@@ -44,8 +44,7 @@ public:
 
     void On(const std::string& strName, HANDLER handler);
 
-    // Asked about each call ahead of all handlers. One for an object, and the objects that have one end in the reverse
-    // order of their making.
+    // Asked about each call ahead of all handlers. One object has one at a time.
     void OnAll(WATCHER watcher);
 
     // Of calls since the object was made, failing ones too.
