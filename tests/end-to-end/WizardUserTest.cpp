@@ -123,7 +123,7 @@ TEST_F(WizardUser, UntickedRestartAndCancelStartNothing)
     const wchar_t* const pszLeft =
         L"|\"~\\Lumacap8.exe\" -regonly\t~\r|B|all\\Desktop\\Lumacap 8.lnk|all\\Programs\\Lumacap 8\\Lumacap 8 "
         L"Help.lnk|all\\Programs\\Lumacap 8\\Lumacap 8.lnk";
-    WriteBytes(At(L"Program Files\\Lumacap 8\\capff.json"), "");
+    Make(L"Program Files\\Lumacap 8\\capff.json", "");
     const auto hold = HoldFile(At(L"Program Files\\Lumacap 8\\capff.json"));
     Start(L"-sconf -runafter");
     Meet();
@@ -186,7 +186,7 @@ TEST_F(WizardUser, ClicksPutAPortableProductWhereTheDialogSays)
 TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
 {
     CopyOneFile(BuildFolder() + L"\\dist\\Lumacap8Setup.exe", At(L"package\\setup.exe"));
-    WriteBytes(At(L"package\\Lumacap8.ini"), "");
+    Make(L"package\\Lumacap8.ini", "");
     Start();
     Meet();
     m_wizard->Click(IDCANCEL);
@@ -209,7 +209,7 @@ TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
     EXPECT_NE(Outcome(), L"(absent)");
     EXPECT_TRUE(IsThere(At(L"Program Files\\Lumacap 8\\Lumacap8.ini")));
 
-    WriteBytes(At(L"package\\mine\\Lumacap8.ini"), "mine");
+    Make(L"package\\mine\\Lumacap8.ini", "mine");
     Start(L"-sfxname=mine\\any -sconf");
     Meet();
     m_wizard->Click(IDOK);

@@ -258,7 +258,7 @@ Make Dir: O\I)",
                 expected.push_back(std::to_wstring(nLine) + L" " + strFinding);
             strList += strLine.substr(0, nArrow) + L"\r\n";
         }
-        WriteBytes(At(L"package\\LumUnInst.log"), strSample + Bytes(strList));
+        Make(L"package\\LumUnInst.log", strSample + Bytes(strList));
         const TOLD checked = RunPkgtool(L"check " + At(L"package"));
         EXPECT_EQ(Findings(checked), Bytes(Join(expected))) << Bytes(checked.strText);
     }
@@ -291,7 +291,7 @@ TEST_F(Pkgtool, FindsWhatIsWrongWithAPackage)
         RemoveTree(At(L"q"));
         for (const std::wstring& strFile : Split(strFiles, L'|'))
             Make(L"q\\" + strFile);
-        WriteBytes(At(L"q\\LumUnInst.log"), pszList);
+        Make(L"q\\LumUnInst.log", pszList);
         const std::wstring strFindings = Replaced(Wide(Findings(RunPkgtool(L"check " + At(L"q")))), strLacks, L"");
         EXPECT_EQ(Bytes(strFindings), pszFindings) << pszList;
     }

@@ -24,9 +24,8 @@ protected:
         World::SetUp();
         PutPackage();
         Make(L"package\\page.url|package\\version.dll|package\\StartLC8.exe", std::string(0x40000, '0') + "!");
-        WriteBytes(At(L"package\\LumUnInst.log"),
-                   ReadBytes(At(L"package\\LumUnInst.log")) +
-                       "File Copy: page.url\nMake Dir: Empty\nFile Copy ind: version.dll");
+        Make(L"package\\LumUnInst.log", ReadBytes(At(L"package\\LumUnInst.log")) +
+                                            "File Copy: page.url\nMake Dir: Empty\nFile Copy ind: version.dll");
     }
 
     void Install(const std::wstring& strArguments = L"-instdir C:\\corner\\T") const
@@ -46,9 +45,9 @@ protected:
         return Replaced(strLines.substr(0, strLines.rfind(L'\n', strLines.size() - 2)), L"C:\\corner\\", L"");
     }
 
-    void Edit(const std::wstring& strFile, const std::wstring& strFrom, const std::wstring& strTo) const
+    static void Edit(const std::wstring& strPath, const std::wstring& strFrom, const std::wstring& strTo)
     {
-        WriteBytes(At(strFile), Bytes(Replaced(Wide(ReadBytes(At(strFile))), strFrom, strTo)));
+        WriteBytes(strPath, Bytes(Replaced(Wide(ReadBytes(strPath)), strFrom, strTo)));
     }
 };
 
@@ -84,7 +83,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
     const std::pair<std::function<void()>, std::wstring> kCases[] = {
         { [] {}, L"" },
         { [&] { Make(L"T\\page.url", "01234"); }, L"T\\page.url has 5 bytes, and the package's file 262145" },
-        { [&] { Edit(L"T\\page.url", L"!", L"."); }, L"T\\page.url has the right size, and another content" },
+        { [&] { Edit(strPage, L"!", L"."); }, L"T\\page.url has the right size, and another content" },
         { [&] { RemoveTree(strPage), MakeFolder(strPage); }, L"T\\page.url is missing" },
         { [&] { RemoveTree(strPage), MoveFileExW(strHelp.c_str(), strPage.c_str(), MOVEFILE_DELAY_UNTIL_REBOOT); },
           L"T\\page.url is missing" },
@@ -98,7 +97,8 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           L"T\\LumUnInst.log is read-only, and the package's file isn't" },
         { [&] { CopyOneFile(ProductOfVersion(L"8.19.9.0"), At(L"T\\Lumacap8.exe")); },
           L"T\\Lumacap8.exe is of version 8.19.9.0, and the package's file of 8.20.1.0" },
-        { [&] { Edit(L"T\\Lumacap8.exe", L"OS", L"os"); }, L"T\\Lumacap8.exe has the right size, and another content" },
+        { [&] { Edit(At(L"T\\Lumacap8.exe"), L"OS", L"os"); },
+          L"T\\Lumacap8.exe has the right size, and another content" },
         { [&] { RemoveTree(At(L"T\\Empty")); }, L"" },
         { [&] { RemoveTree(At(L"T")); }, L"T is missing: there is no such folder" },
         { [&] { Install(L"-instdir \\\\nowhere\\T"); }, L"\\\\nowhere\\T is missing: there is no such folder" },
@@ -122,7 +122,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           },
           strGoes },
         // Links
-        { [&] { RemoveTree(strHelp), RemoveTree(strDesktop), Edit(L"T\\LumUnInst.log", strHelp, strDesktop); },
+        { [&] { RemoveTree(strHelp), RemoveTree(strDesktop), Edit(strLog, strHelp, strDesktop); },
           L"user\\Desktop\\Lumacap 8.lnk is missing: there is no such link\n"
           L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk is missing: there is no such link" },
         { [&] { CopyOneFile(strHelp, strDesktop); },
@@ -153,12 +153,11 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { WriteBytes(strLog, strList.substr(0, 100)); }, L"T\\LumUnInst.log is cut: of the " +
                                                                    std::to_wstring(strList.size()) +
                                                                    L" bytes of the package's list it has 100" },
-        { [&] { Edit(L"T\\LumUnInst.log", L"capff", L"CAPFF"); },
-          L"T\\LumUnInst.log isn't the package's list: line 11 differs" },
-        { [&] { Edit(L"T\\LumUnInst.log", L"8.lnk\r\n", L"8.ln"); }, strLogEnd },
-        { [&] { Edit(L"T\\LumUnInst.log", L"Made Dir: ", L"File Del: x\r\nMade Dir: "); }, strLogEnd },
+        { [&] { Edit(strLog, L"capff", L"CAPFF"); }, L"T\\LumUnInst.log isn't the package's list: line 11 differs" },
+        { [&] { Edit(strLog, L"8.lnk\r\n", L"8.ln"); }, strLogEnd },
+        { [&] { Edit(strLog, L"Made Dir: ", L"File Del: x\r\nMade Dir: "); }, strLogEnd },
         { [&] { WriteBytes(strLog, strList + "\r\n"); }, strLogEnd },
-        { [&] { Edit(L"T\\LumUnInst.log", L"Shell Link: " + strDesktop + L"\r\n", L""); },
+        { [&] { Edit(strLog, L"Shell Link: " + strDesktop + L"\r\n", L""); },
           L"user\\Desktop\\Lumacap 8.lnk is a link that the log doesn't name" },
         { [&]
           {

@@ -258,7 +258,7 @@ TEST_F(Wizard, WebPageHasItsQuery)
     g_strInstDir = m_strFolder.c_str();
     for (const auto& row : kCases)
     {
-        WriteBytes(At(L"HomePage.url"), Bytes(row[0]));
+        Make(L"HomePage.url", Bytes(row[0]));
         Walk(L"");
         OpenWelcomePage(); // a mere repetition
         g_bUpgrade = 1;

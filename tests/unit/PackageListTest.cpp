@@ -18,7 +18,7 @@ protected:
     {
         RemoveTree(At(L"to"));
         Make(L"to\\|from\\a|from\\b|from\\c.t|from\\sub\\s|from\\sub\\t");
-        WriteBytes(At(L"list"), strList);
+        Make(L"list", strList);
         g_strSourceDir = At(L"from").c_str();
         g_strInstDir = At(L"to\\inst").c_str();
         ProcessPackageList(At(L"list").c_str());
