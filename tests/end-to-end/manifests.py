@@ -17,15 +17,15 @@ FILES = {
                    'ExpectedReturnCodes Scope InstallModes UpgradeBehavior UnsupportedArguments ElevationRequirement'),
     '.locale.en-US': ('defaultLocale', 'PackageLocale Publisher PackageName License ShortDescription', 'PublisherUrl'),
 }
-# What these can say, in a text or in each item of a list.
-WORDS = {
+SWITCHES = 'Silent SilentWithProgress Interactive InstallLocation'
+# What the installer's says of the setup.
+CHOICES = {
     'InstallerType': 'exe',
     'Scope': 'machine',
-    'InstallModes': 'interactive silent silentWithProgress',
-    'InstallerSwitches': 'Silent SilentWithProgress Interactive InstallLocation',
-    'UpgradeBehavior': 'install uninstallPrevious',
-    'UnsupportedArguments': 'log location',
-    'ElevationRequirement': 'elevationRequired elevationProhibited elevatesSelf',
+    'InstallModes': ['interactive', 'silent'],
+    'UpgradeBehavior': 'install',
+    'UnsupportedArguments': ['log'],
+    'ElevationRequirement': 'elevatesSelf',
 }
 
 
@@ -35,13 +35,12 @@ def check_installer(manifest):
     assert entry.pop('ProductCode') == 'Lumacap 8'
     for value in entry:
         assert f'{value} = {entry[value]}\n' in sets, value
-    for key, words in WORDS.items():
-        assert set([manifest[key]] if isinstance(manifest[key], str) else manifest[key]) <= set(words.split()), key
-    switches = manifest['InstallerSwitches']
-    assert f'Lumacap8Setup.exe {switches["Silent"]}\n' in page
-    assert switches['InstallLocation'].replace('<INSTALLPATH>', r'C:\Tools\Lumacap 8') + '\n' in page
-    for code in manifest['ExpectedReturnCodes']:
-        assert re.search(rf'^\| (.* )?{code["InstallerReturnCode"]} ', page, re.M) and code['ReturnResponse'] == 'custom'
+    assert CHOICES == {key: manifest[key] for key in CHOICES}
+    silent, progress, interactive, location = map(manifest['InstallerSwitches'].get, SWITCHES.split())
+    assert silent == progress and silent.startswith(interactive + ' ') and f'Lumacap8Setup.exe {silent}\n' in page
+    assert location.replace('<INSTALLPATH>', r'C:\Tools\Lumacap 8') + '\n' in page
+    codes = [(code['InstallerReturnCode'], code['ReturnResponse']) for code in manifest['ExpectedReturnCodes']]
+    assert codes == [(int(code), 'custom') for code in re.findall(r'^\| (?:0x.* )?([1-9]\d*) ', page, re.M)]
 
 
 dist = Path(sys.argv[1])
@@ -58,5 +57,6 @@ for name, (kind, needed, possible) in FILES.items():
     manifest = yaml.safe_load(content)
     assert set(f'{ALL} {needed}'.split()) <= set(manifest) <= set(f'{ALL} {needed} {possible}'.split()), name
     assert [manifest[key] for key in ALL.split()] == ['Tandrel.Lumacap8', '8.20.1.0', kind, '1.6.0'], name
+    assert manifest.get('DefaultLocale', 'en-US') == 'en-US'
     if kind == 'installer':
         check_installer(manifest)

@@ -26,18 +26,21 @@ play() {
 diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
 
 # Names that Debian's disks hold, and those of Windows don't.
-touch "$HOME/Lumacap/"{aux.c,console,CONSOLE,'what?'}
+touch "$HOME/Lumacap/"{aux.c,console,CONSOLE,'what?',Lang/con}
 diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<'END'
 aux.c: can't be said in a list: its name is a device's
 console: can't be said in a list: another name differs from it in its case only
 what?: can't be said in a list: its name has the character ?
+Lang\con: can't be said in a list: its name is a device's
 END
-rm "$HOME/Lumacap/"{aux.c,CONSOLE,'what?'}
+rm "$HOME/Lumacap/"{aux.c,CONSOLE,'what?',Lang/con}
 
 cp -r /usr/share/nsis "$HOME/Lumacap/A stranger's folder"
 wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$HOME/Lumacap"
 PRODUCT=$HOME/Lumacap URL='http://x.example/?a&b' tools/dist.sh
 grep -Fx "  InstallerUrl: 'http://x.example/?a&b'" "$DIST"/winget/*.installer.yaml
+PRODUCT=$HOME/Lumacap DIST=$HOME/again tools/dist.sh
+cmp "$DIST/Lumacap8Setup.exe" "$HOME/again/Lumacap8Setup.exe"
 machine_run "$DIST/Lumacap8Setup.exe" -install -s /S "$(printf 'x%.0s' {1..30000})"
 machine_run "$LUMACAP_BUILD/pkgtool.exe" verify "$HOME/Lumacap"
 # A link that gets too long ends the setup in the middle, and the download hands on its exit code, of which 9 is left here.
@@ -59,7 +62,7 @@ refused() {
 
 refused 'is no address' URL='https://x.example/a b'
 export PRODUCT=$HOME/Lumacap
-refused 'in its own package' DIST="$PRODUCT/dist"
+refused 'in its own package' DIST="$PRODUCT"
 touch "$PRODUCT/$(printf '%0191d' 0)"
 refused 'is too long to be unpacked'
 rm "$PRODUCT/"{000*,setup.exe}

@@ -338,11 +338,11 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     EXPECT_EQ(strAnew.substr(strAnew.size() - strOwn.size()), strOwn);
     EXPECT_EQ(std::count(strAnew.begin(), strAnew.end(), '\n'), 22);
     EXPECT_EQ(strAnew.find("gone"), std::string::npos);
-    for (const std::wstring& strName : { std::wstring(L"install.log"), std::wstring(L"\x100"), std::wstring(233, L'z'),
+    for (const std::wstring& strName : { std::wstring(L"Install.LOG"), std::wstring(L"\x100"), std::wstring(233, L'z'),
                                          std::wstring(221, L'd') + L"\\" })
         Make(strPackage + strName);
     const TOLD refused = RunPkgtool(L"list --force " + At(strPackage));
-    EXPECT_EQ(refused.strText, L"install.log: can't be said in a list: a removal would read it as a list\n" +
+    EXPECT_EQ(refused.strText, L"Install.LOG: can't be said in a list: a removal would read it as a list\n" +
                                    std::wstring(233, L'z') +
                                    L": can't be said in a list: its path is too long\n"
                                    L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n" +
@@ -356,7 +356,7 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
     const std::tuple<std::wstring, DWORD, std::wstring> kCases[] = {
         { L"--help", 0, L"Checks packages" },
         { L"check \"" + BuildFolder() + L"\\package\\\"", 0, L"0 findings" },
-        { L"check " + At(L"temp"), 2, L"pkgtool: there is no LumUnInst.log" },
+        { L"verify " + At(L"temp"), 2, L"pkgtool: there is no LumUnInst.log" },
         { L"", 2, L"pkgtool: A subcommand is required" },
         { L"none x", 2, L"pkgtool: there is no subcommand none" },
         { L"check", 2, L"pkgtool: FOLDER is required" },
