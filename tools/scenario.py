@@ -187,7 +187,7 @@ def indent(lines):
 
 
 def tell(said, told):
-    changes(told.pop(0), '')
+    yield from (line for line in changes(told.pop(0), '') if line.startswith('FAILED'))
     for line in said:
         define(line)
         if mode != '--whole' and line[:1] in '<#>':

@@ -308,7 +308,7 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).nExitCode, 2u); // without the setup there is no uninstaller
     CopyOneFile(BuildFolder() + L"\\setup.exe", At(strPackage + L"setup.exe"));
     for (const std::wstring& strPath : Split(L"Lumacap8Man.chm|HomePage.url|ThumbLcp64.dll|a "
-                                             L"b.txt|b\xE4r|Sub\\c|Sub\\d\\e f\\g.h|Sub\\[1]+2.x|none\\in\\",
+                                             L"b.txt|b\xFFr|Sub\\c|Sub\\d\\e f\\g.h|Sub\\[1]+2.x|none\\in\\",
                                              L'|'))
         Make(strPackage + strPath, Bytes(strPath));
     const std::wstring strList = At(strPackage + L"LumUnInst.log");
@@ -321,7 +321,7 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
         EXPECT_EQ(
             Tree(L"p0\\to\\up\\target"),
             L"HomePage.url LumUnInst.exe LumUnInst.log Lumacap8.exe Lumacap8Man.chm Sub\\ Sub\\[1]+2.x Sub\\c Sub\\d\\ "
-            L"Sub\\d\\e f\\ Sub\\d\\e f\\g.h ThumbLcp64.dll a b.txt b\xE4r none\\ none\\in\\");
+            L"Sub\\d\\e f\\ Sub\\d\\e f\\g.h ThumbLcp64.dll a b.txt b\xFFr none\\ none\\in\\");
         Remove(0);
     }
     EXPECT_EQ(Created(0), "");
@@ -330,7 +330,7 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
     // The longest that are sayable are among them.
     Make(strPackage + std::wstring(232, L'f') + L"|" + strPackage + std::wstring(220, L'd') + L"\\");
     const std::string strOwn =
-        "File Copy ind: Sub\\c*\r\nFile Copy prt: b\xE4r\r\nFile Overwrite: x\r\nFile Del: y\r\n";
+        "File Copy ind: Sub\\c*\r\nFile Copy prt: b\xFFr\r\nFile Overwrite: x\r\nFile Del: y\r\n";
     WriteBytes(strList, "A remark\r\nFile Copy: gone\r\n" + strOwn);
     EXPECT_EQ(RunPkgtool(L"list " + At(strPackage)).nExitCode, 2u);
     EXPECT_EQ(RunPkgtool(L"list --force " + At(strPackage)).nExitCode, 0u);
