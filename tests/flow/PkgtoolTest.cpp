@@ -362,6 +362,7 @@ TEST_F(Pkgtool, ExitCodeTellsFindingsFromWrongUseAndFromAPackageThatCantBeRead)
         { L"check", 2, L"pkgtool: FOLDER is required" },
         { L"verify x \"\"", 2, L"pkgtool: TARGET: it is empty" },
         { L"verify " + BuildFolder() + L"\\package \\", 2, L"pkgtool: no install goes to \\" },
+        { L"verify " + BuildFolder() + L"\\package " + std::wstring(260, L'x'), 2, L"pkgtool: no install goes to x" },
         { L"check " + BuildFolder() + L"\\pkgtool.exe", 2, L"pkgtool: this is a file" },
         { L"check C:\\none", 2, L"pkgtool: there is no folder C:\\none" },
         { L"plan none x", 2, L"pkgtool: KIND: none not in {all,portable,user}" },

@@ -164,7 +164,7 @@ static bool NoteLogged(Verification& result, const CString& strLine)
 static void VerifyLog(Verification& result)
 {
     const CString strLog = g_strInstDir + kFileListPath;
-    if (!PathExists(strLog) || !result.pending.ReplacementOf(strLog).IsEmpty())
+    if (!PathExists(strLog))
         return;
     const std::string strBytes = ReadBytes(strLog);
     const std::string strList = ReadBytes(result.package.strFolder + kFileListPath);
