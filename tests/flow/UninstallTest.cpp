@@ -111,10 +111,14 @@ TEST_F(Uninstall, FirstStageQuotesAPathWithBlanksAndHandsOverItsSilence)
                        start.emplace_back(call.Text(i));
                    return -1;
                });
-    g_nSilent = 2;
-    RelaunchFromTemp();
-    const std::wstring strCopy = At(L"a b\\" + Tree(L"a b"));
-    EXPECT_EQ(start, TEXTS({ strCopy, L"\"" + strCopy + L"\"", L"-delself", L"x", L"-s" }));
+    for (g_nSilent = 1; g_nSilent <= 2; g_nSilent++)
+    {
+        start.clear();
+        RelaunchFromTemp();
+        const std::wstring strCopy = At(L"a b\\" + Tree(L"a b"));
+        EXPECT_EQ(start, TEXTS({ strCopy, L"\"" + strCopy + L"\"", L"-delself", L"x", L"-s" })) << g_nSilent;
+        RemoveTree(strCopy);
+    }
 }
 
 // One folder is asked for at the boot even where it never was, the next only if it stands, and the product's own only
