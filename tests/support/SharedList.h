@@ -20,17 +20,15 @@ const wchar_t kProductList[] = L"Tandrel.Lumacap-DX.v4";
 class CSharedList
 {
 public:
-    // The list of that name as it stands, without entering it; an empty one if there is none.
+    // The list of that name as it stands, without entering it; one of zeros if there is none.
     explicit CSharedList(const std::wstring& strName)
         : m_mapping(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 131072,
                                        (L"Local\\COXInstanceManager_FileMap_" + strName).c_str())),
-          m_bFound(GetLastError() == ERROR_ALREADY_EXISTS),
           m_pList(static_cast<LIST*>(MapViewOfFile(m_mapping, FILE_MAP_WRITE, 0, 0, sizeof(LIST))))
     {
     }
     ~CSharedList() { UnmapViewOfFile(m_pList); }
 
-    bool WasThere() const { return m_bFound; }
     // "LIMIT: ID ID", with a + behind it if the room that no id takes isn't zero.
     std::string Text() const
     {
@@ -61,6 +59,5 @@ private:
     };
 
     const CHandleOwner m_mapping;
-    const bool m_bFound;
     LIST* const m_pList;
 };
