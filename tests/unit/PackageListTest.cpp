@@ -64,7 +64,7 @@ TEST_F(PackageList, LinesActOnceInTheirOrderAndAFailedOneLeavesNoTrace)
     const CCalls calls;
     EXPECT_EQ(Process("File Copy: none\\*\nMake Dir: d\nFile Copy: a > a\nFile Copy: sub\\s*\nFile Copy: b | note\n"
                       "Make Dir: p\\q\nMake Dir: e\nMake Dir: e\\f\nFile Copy: sub\\s \t>\t x y\nFile Copy: ?.t > n\n"
-                      "File Copy: a > g\\n\nFile Copy: a > n | note\nFile Copy: c.t"),
+                      "File Copy: a > g\\n\nFile Copy: a > n | note\nFile Copy: a | note > m\nFile Copy: c.t"),
               L"inst\\ inst\\c.t inst\\e\\ inst\\e\\f\\ inst\\sub\\ inst\\sub\\s inst\\x y");
     EXPECT_EQ(calls.Count("CopyFileW"), 6);
 }
