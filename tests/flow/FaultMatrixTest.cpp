@@ -74,17 +74,16 @@ const wchar_t* const kExceptions[][3] = {
 // What isn't the product's.
 const std::wstring kFiles = L"my|package\\ind.dll|target\\my|target\\Sub\\my|all\\Desktop\\my|all\\Programs\\Other\\my|"
                             L"user\\Programs\\Startup\\my|other\\Programs\\my";
-#define WINDOWS_KEY L"Software\\Microsoft\\Windows\\CurrentVersion\\"
-#define OTHER_HIVE L"S-1-5-21-7-7-7-1001\\" // of a user who is logged on as well: the last of the hives
+const std::wstring kOtherHive = L"S-1-5-21-7-7-7-1001\\"; // of a user who is logged on as well: the last of the hives
 
-const std::pair<HKEY, const wchar_t*> kKeys[] = {
+const std::pair<HKEY, std::wstring> kKeys[] = {
     { HKEY_CLASSES_ROOT, L"Applications\\Other.exe" },
     { kUser, L"Software\\Tandrel\\Other 8" },
-    { kUser, WINDOWS_KEY L"Explorer\\FileExts\\.bmp\\UserChoice" },
+    { kUser, kWindows + L"\\Explorer\\FileExts\\.bmp\\UserChoice" },
     { kMachine, L"Software\\Mozilla\\NativeMessagingHosts\\other" },
     { kMachine, L"Software\\Tandrel\\Other 8" },
-    { kMachine, WINDOWS_KEY L"App Paths\\Other.exe" },
-    { HKEY_USERS, OTHER_HIVE L"Software\\Tandrel\\Other 8" },
+    { kMachine, kWindows + L"\\App Paths\\Other.exe" },
+    { HKEY_USERS, kOtherHive + L"Software\\Tandrel\\Other 8" },
 };
 
 // Puts entries in front of the methods of all links, with the methods' numbers in their names.
@@ -173,9 +172,10 @@ private:
         Make(kFiles + L"|target\\old|target\\LumUnInst.exe|group\\x", "mine");
         WriteBytes(kPendingProfile, "");
         SetAttributes(At(L"target\\old"), FILE_ATTRIBUTE_READONLY);
-        for (const auto& [hRoot, pszKey] : kKeys)
-            SetKeyText(hRoot, pszKey, L"", L"mine");
-        SetKeyText(HKEY_USERS, OTHER_HIVE WINDOWS_KEY L"Explorer\\Shell Folders", L"Programs", At(L"other\\Programs"));
+        for (const auto& [hRoot, strKey] : kKeys)
+            SetKeyText(hRoot, strKey, L"", L"mine");
+        SetKeyText(HKEY_USERS, kOtherHive + kWindows + L"\\Explorer\\Shell Folders", L"Programs",
+                   At(L"other\\Programs"));
         SetKeyText(kMachine, kProduct, L"Path", At(L"target"));
         MakeKey(HKEY_CLASSES_ROOT, L"Lumacap.8\\shell");
     }
@@ -245,9 +245,9 @@ private:
         for (const std::wstring& strFile : Split(kFiles + strStill, L'|'))
             if (ReadBytes(At(strFile)) != "mine" || strWaiting.find(At(strFile)) != std::wstring::npos)
                 m_strActs += L" lost " + strFile;
-        for (const auto& [hRoot, pszKey] : kKeys)
-            if (KeyText(hRoot, pszKey) != L"mine")
-                m_strActs += std::wstring(L" lost ") + pszKey;
+        for (const auto& [hRoot, strKey] : kKeys)
+            if (KeyText(hRoot, strKey) != L"mine")
+                m_strActs += L" lost " + strKey;
     }
 
     TEXTS m_words;

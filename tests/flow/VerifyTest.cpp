@@ -13,8 +13,9 @@
 namespace
 {
 
-const std::wstring kAppPath = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\Lumacap8.exe";
-const std::wstring kEntry = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Lumacap 8";
+const std::wstring kAppPath = kWindows + L"\\App Paths\\Lumacap8.exe";
+const std::wstring kEntry = kWindows + L"\\Uninstall\\Lumacap 8";
+const std::wstring kDesktop = L"user\\Desktop\\Lumacap 8.lnk";
 
 class Verify : public World
 {
@@ -79,7 +80,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
     std::shared_ptr<void> hold;
     const std::wstring strPage = At(L"T\\page.url");
     const std::wstring strLog = At(L"T\\LumUnInst.log");
-    const std::wstring strDesktop = At(L"user\\Desktop\\Lumacap 8.lnk");
+    const std::wstring strDesktop = At(kDesktop);
     const std::wstring strHelp = At(L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk");
     const std::string strList = ReadBytes(At(L"package\\LumUnInst.log"));
     const std::wstring strLogEnd = L"T\\LumUnInst.log doesn't end as an install leaves it: links may outlive it";
@@ -127,14 +128,13 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
           strGoes },
         // Links
         { [&] { RemoveTree(strHelp), RemoveTree(strDesktop), Edit(strLog, strHelp, strDesktop); },
-          L"user\\Desktop\\Lumacap 8.lnk is missing: there is no such link\n"
-          L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk is missing: there is no such link" },
+          kDesktop + L" is missing: there is no such link\n"
+                     L"user\\Programs\\Lumacap 8\\Lumacap 8 Help.lnk is missing: there is no such link" },
         { [&] { CopyOneFile(strHelp, strDesktop); },
-          L"user\\Desktop\\Lumacap 8.lnk leads to T\\Lumacap8Man.chm, and should lead to T\\Lumacap8.exe" },
+          kDesktop + L" leads to T\\Lumacap8Man.chm, and should lead to T\\Lumacap8.exe" },
         { [&] { CopyOneFile(strDesktop, At(L"user\\Programs\\Startup\\Lumacap 8.lnk")); },
           L"user\\Programs\\Startup\\Lumacap 8.lnk is a link that the log doesn't name" },
-        { [&] { WriteBytes(strDesktop, "x"); },
-          L"user\\Desktop\\Lumacap 8.lnk leads to nowhere, and should lead to T\\Lumacap8.exe" },
+        { [&] { WriteBytes(strDesktop, "x"); }, kDesktop + L" leads to nowhere, and should lead to T\\Lumacap8.exe" },
         // Registry
         { [&] { SetKeyText(kMachine, kEntry, L"DisplayVersion", L"1"); },
           L"HKLM\\" + kEntry + L" : DisplayVersion is 1, and should be 8.20.01" },
@@ -164,7 +164,7 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { Edit(strLog, L"8.lnk\r\n", L"8.ln"); }, strLogEnd },
         { [&] { WriteBytes(strLog, strList + "\r\n"); }, strLogEnd },
         { [&] { Edit(strLog, L"Shell Link: " + strDesktop + L"\r\n", L""); },
-          L"user\\Desktop\\Lumacap 8.lnk is a link that the log doesn't name" },
+          kDesktop + L" is a link that the log doesn't name" },
         { [&]
           {
               MoveFolder(HKEY_CURRENT_USER, L"Programs", At(L"\u017D"));
@@ -213,13 +213,14 @@ TEST_F(Verify, RemovalLeavesNothing)
               L"C:\\corner\\Program Files\\Lumacap 8\n");
 
     Make(L"user\\Desktop\\mine\\Lumacap 8.lnk|x|T\\page.url|user\\Programs\\Any\\Group\\Lumacap "
-         L"8.lnk|user\\Desktop\\Lumacap 8.lnk");
+         L"8.lnk|" +
+         kDesktop);
     MoveLater(At(L"T"));
     MoveLater(At(L"x"), At(L"T\\page.url").c_str());
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"),
               L"1\nT is a folder that still stands\nT\\page.url still stands\n"
-              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands\n"
-              L"user\\Desktop\\Lumacap 8.lnk is a link that still stands");
+              L"user\\Programs\\Any\\Group\\Lumacap 8.lnk is a link that still stands\n" +
+                  kDesktop + L" is a link that still stands");
     MoveLater(At(L"T\\page.url"));
     RemoveTree(At(L"user"));
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"), L"3\nT stands until the next start of the machine\n"
