@@ -212,9 +212,7 @@ TEST_F(Verify, RemovalLeavesNothing)
               L"gone; differences: 0; waiting for the next start of the machine: 0; checked: 54; folder: "
               L"C:\\corner\\Program Files\\Lumacap 8\n");
 
-    Make(L"user\\Desktop\\mine\\Lumacap 8.lnk|x|T\\page.url|user\\Programs\\Any\\Group\\Lumacap "
-         L"8.lnk|" +
-         kDesktop);
+    Make(kDesktop + L"|user\\Desktop\\mine\\Lumacap 8.lnk|x|T\\page.url|user\\Programs\\Any\\Group\\Lumacap 8.lnk");
     MoveLater(At(L"T"));
     MoveLater(At(L"x"), At(L"T\\page.url").c_str());
     EXPECT_EQ(Told(L"--removed C:\\corner\\T"),
