@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 . tools/machine.sh
 build=${LUMACAP_BUILD:-$PWD/build/release}
 dist=$(realpath -m "${DIST:-${LUMACAP_BUILD:-$PWD/build}/dist}")
-package=$(realpath "${PRODUCT-$build/package}")
+package=$(realpath -m "${PRODUCT-$build/package}" 2>/dev/null) || package=
 url=${URL-http://www.lumacap.example/Lumacap8Setup.exe}
 
 fail() {
@@ -23,7 +23,7 @@ check_package() (
 
 # A copy whose files have the time of the commit, so that the same sources always make the same file.
 stage_package() {
-    cp -r "$package" "$stage/package"
+    cp -rL "$package" "$stage/package"
     chmod -R u+w "$stage" # or the stage couldn't go
     find "$stage/package" -exec touch --date="@$time" {} +
 }
@@ -39,13 +39,17 @@ write_manifests() {
     done
 }
 
-[[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "$url is no address"
+[ -d "$package" ] || fail "'${PRODUCT-$package}' is no folder"
+[[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "'$url' is no address"
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
 # C:\Users\NAME\AppData\Local\Temp\nsXXXXX.tmp\package\ stands before each path while it is unpacked.
 long=$(cd "$package" && find . -printf '%P\n' | grep -E -m 1 '.{191}') && fail "$long is too long to be unpacked"
 check_package || fail "$package has to be mended first"
-[ -f "$package/setup.exe" ] || fail "$package has no setup.exe"
+for name in setup.exe agreement.txt; do
+    [ -f "$package/$name" ] || fail "$package has no $name"
+done
 time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} || fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
+[[ $time =~ ^[0-9]+$ ]] || fail "'$time' is no time in seconds"
 mkdir -p "$dist/winget"
 stage=$(mktemp -d "$dist/.stage.XXXXXX")
 trap 'rm -rf "$stage"' EXIT

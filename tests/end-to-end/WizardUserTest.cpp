@@ -187,6 +187,7 @@ TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
 {
     CopyOneFile(BuildFolder() + L"\\dist\\Lumacap8Setup.exe", At(L"package\\setup.exe"));
     Make(L"package\\Lumacap8.ini", "");
+    RemoveTree(At(L"package\\agreement.txt"));
     Start();
     Meet();
     m_wizard->Click(IDCANCEL);
@@ -203,7 +204,9 @@ TEST_F(WizardUser, OneFileGoesTheSameWayAndIsGoneWithItsEnd)
 
     Start(L"-v");
     Meet();
-    for (const int nControl : { 1000, 1005, 1008, 1011, 1012 })
+    Next(1000);
+    EXPECT_EQ(m_wizard->Text(1000).substr(1, 9), L"LUMACAP 8"); // the agreement, behind its mark
+    for (const int nControl : { 1005, 1008, 1011, 1012 })
         Next(nControl);
     m_wizard->Click(IDOK);
     EXPECT_NE(Outcome(), L"(absent)");

@@ -27,11 +27,12 @@ diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
 
 # Names that Debian's disks hold, and those of Windows don't.
 touch "$HOME/Lumacap/"{aux.c,console,CONSOLE,'what?',Lang/con}
-diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<'END'
+diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<END
 aux.c: can't be said in a list: its name is a device's
 console: can't be said in a list: another name differs from it in its case only
 what?: can't be said in a list: its name has the character ?
 Lang\con: can't be said in a list: its name is a device's
+pkgtool: no list was written in $HOME/Lumacap
 END
 rm "$HOME/Lumacap/"{aux.c,CONSOLE,'what?',Lang/con}
 
@@ -60,7 +61,7 @@ refused() {
     (cd "$DIST" && sha256sum --check --quiet SHA256SUMS)
 }
 
-refused 'is no address' URL='https://x.example/a b'
+refused "' is no address" URL='https://x.example/a b'
 export PRODUCT=$HOME/Lumacap
 refused 'in its own package' DIST="$PRODUCT"
 touch "$PRODUCT/$(printf '%0191d' 0)"

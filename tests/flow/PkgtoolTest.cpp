@@ -346,7 +346,10 @@ TEST_F(Pkgtool, ListOfAFolderBringsAllAndTakesAllAway)
                                    std::wstring(233, L'z') +
                                    L": can't be said in a list: its path is too long\n"
                                    L"\xC4\x80: can't be said in a list: its name goes beyond Latin-1\n" +
-                                   std::wstring(221, L'd') + L": can't be said in a list: its path is too long\n");
+                                   std::wstring(221, L'd') +
+                                   L": can't be said in a list: its path is too long\n"
+                                   L"pkgtool: no list was written in " +
+                                   At(strPackage) + L"\n");
     EXPECT_EQ(refused.nExitCode, 1u);
     EXPECT_EQ(ReadBytes(strList), strAnew);
 }

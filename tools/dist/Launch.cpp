@@ -26,6 +26,19 @@ static bool IsOneOf(const wchar_t* pszArgument, const wchar_t* psz, const wchar_
     return lstrcmpiW(pszArgument, psz) == 0 || lstrcmpiW(pszArgument, pszOther) == 0;
 }
 
+static bool IsSlash(wchar_t ch)
+{
+    return ch == L'\\' || ch == L'/';
+}
+
+// That is what names neither a drive and a path from its root nor another machine.
+static bool IsRelative(const wchar_t* pszPath)
+{
+    if (pszPath[0] == L'\0')
+        return false;
+    return pszPath[1] == L':' ? !IsSlash(pszPath[2]) : !IsSlash(pszPath[0]) || !IsSlash(pszPath[1]);
+}
+
 namespace
 {
 class CArguments
@@ -42,14 +55,15 @@ public:
         return m_nCount > 1 && IsOneOf(m_ppsz[1], L"-s", L"/s") ? m_ppsz[1] : nullptr;
     }
 
-    // Which may be relative to the user's working folder.
-    bool NamePath() const
+    bool NameRelativePath() const
     {
         wchar_t szSwitch[_countof(L"-sfxname=")];
         for (int i = 1; i < m_nCount; ++i)
         {
             lstrcpynW(szSwitch, m_ppsz[i], _countof(szSwitch));
-            if (lstrcmpW(szSwitch, L"-sfxname=") == 0 || IsOneOf(m_ppsz[i], L"-instdir", L"-instport"))
+            if (lstrcmpW(szSwitch, L"-sfxname=") == 0 && IsRelative(m_ppsz[i] + lstrlenW(szSwitch)))
+                return true;
+            if (IsOneOf(m_ppsz[i], L"-instdir", L"-instport") && i + 1 < m_nCount && IsRelative(m_ppsz[i + 1]))
                 return true;
         }
         return false;
@@ -104,13 +118,13 @@ static DWORD AwaitExitCode(HANDLE hProcess)
 }
 
 // The packer's variable $0, of so many characters as all, holds the path of the setup, then its exit code in decimal;
-// an empty text if it can't be started. $1 holds the user's working folder: the setup gets it where the arguments name
-// a path, which may be a relative one. All other runs stay where the packer is, since the setup would look for some
-// libraries in the user's folder, which may hold anything.
+// an empty text if it can't be started. $1 holds the user's working folder, $2 the package. The setup starts in the
+// package, where it finds the agreement, and where none looks for libraries but its own. A relative path among the
+// arguments is the user's: with one it starts in his folder.
 extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVariables)
 {
     const CArguments arguments;
-    const wchar_t* pszFolder = arguments.NamePath() ? pszVariables + nCharacters : nullptr;
+    const wchar_t* pszFolder = pszVariables + nCharacters * (arguments.NameRelativePath() ? 1 : 2);
     wchar_t* const pszCommandLine = NewCommandLine(pszVariables, arguments);
     *pszVariables = L'\0';
     STARTUPINFOW startup = {};

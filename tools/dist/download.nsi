@@ -52,8 +52,9 @@ FunctionEnd
 Section
     GetFullPathName $1 .
     InitPluginsDir
-    StrCpy $0 $PLUGINSDIR\package\setup.exe
-    SetOutPath $PLUGINSDIR\package
+    StrCpy $2 $PLUGINSDIR\package
+    StrCpy $0 $2\setup.exe
+    SetOutPath $2
     File /r "${PACKAGE}/*"
     SetOutPath $SYSDIR
     Launch::Run
@@ -61,7 +62,7 @@ Section
         Abort
     ${EndIf}
     SetErrorLevel $0
-    StrCpy $0 $PLUGINSDIR\package
+    StrCpy $0 $2
     Launch::Remove
 SectionEnd
 

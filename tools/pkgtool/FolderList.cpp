@@ -205,7 +205,10 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
     FolderContent content;
     Collect(strFolder, L"", content);
     if (TellUnsayable(content))
+    {
+        PrintLine(stderr, CString(L"pkgtool: no list was written in ") + pszFolder);
         return EXIT_FINDINGS;
+    }
     const std::vector<ListLine> kept = KeptRecords(strPath);
     CString strList = Compose(strFolder, content, FilesOf(strFolder, kept));
     for (const ListLine& record : kept)

@@ -9,17 +9,20 @@
 #include "foundation/TextEnds.h"
 #include "install/EarlierInstallation.h"
 
+CString FullPath(const CString& strPath)
+{
+    wchar_t szPath[MAX_PATH] = L"";
+    GetFullPathNameW(strPath, _countof(szPath), szPath, nullptr);
+    return szPath;
+}
+
 // A drive alone stays as it is: with a path it would be its current folder.
 bool FindInstallation(const CString& strFolder)
 {
     g_nInstallKind = strFolder.IsEmpty() ? KIND_ALL_USERS : KIND_PORTABLE;
     g_strInstDir = strFolder.IsEmpty() ? FindInstalledFolder() : strFolder;
     if (g_nInstallKind == KIND_PORTABLE && !EndsWith(strFolder, L":"))
-    {
-        wchar_t szFolder[MAX_PATH] = L"";
-        GetFullPathNameW(strFolder, _countof(szFolder), szFolder, nullptr);
-        g_strInstDir = szFolder;
-    }
+        g_strInstDir = FullPath(strFolder);
     TakeOverKind();
     ReadOsVersion(&g_osVersion);
     return !g_strInstDir.IsEmpty();

@@ -6,6 +6,9 @@
 
 #include "install/RegisteredValues.h"
 
+// From the drive's root on, without dots and with backslashes; empty if that would be too long.
+CString FullPath(const CString& strPath);
+
 // Sets g_strInstDir and g_nInstallKind, and g_osVersion beside them, to the portable installation in the folder or,
 // without a folder, to the registered one. False if none is registered.
 bool FindInstallation(const CString& strFolder);

@@ -215,8 +215,8 @@ static bool IsLinkOf(const CString& strPath, UINT nName)
 static void VerifyLink(Verification& result, const CString& strLink)
 {
     const CString strFound = ReadLinkTarget(strLink);
-    CString strExpected = g_strInstDir + (IsLinkOf(strLink, IDS_HELP_LINK) ? kHelpFilePath : kProductExePath);
-    strExpected.Replace(L'/', L'\\'); // as a link has it
+    const CString strExpected =
+        FullPath(g_strInstDir + (IsLinkOf(strLink, IDS_HELP_LINK) ? kHelpFilePath : kProductExePath));
     ++result.nChecked;
     if (!PathExists(strLink))
         result.Add(kLinkMissing, strLink);
