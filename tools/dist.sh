@@ -43,12 +43,14 @@ write_manifests() {
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "'$url' is no address"
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
 # C:\Users\NAME\AppData\Local\Temp\nsXXXXX.tmp\package\ stands before each path while it is unpacked.
-long=$(cd "$package" && find . -printf '%P\n' | grep -E -m 1 '.{191}') && fail "$long is too long to be unpacked"
+long=$(cd "$package" && find -L . -regextype posix-extended -regex '\./.{191,}' -printf %P -quit)
+[ -z "$long" ] || fail "$long is too long to be unpacked"
 check_package || fail "$package has to be mended first"
 for name in setup.exe agreement.txt; do
     [ -f "$package/$name" ] || fail "$package has no $name"
 done
-time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} || fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
+time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} ||
+    fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
 [[ $time =~ ^[0-9]+$ ]] || fail "'$time' is no time in seconds"
 mkdir -p "$dist/winget"
 stage=$(mktemp -d "$dist/.stage.XXXXXX")

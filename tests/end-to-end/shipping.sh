@@ -26,15 +26,16 @@ play() {
 diff <(sed -n '/^ \{8\}/p' docs/shipping.md | even_out) <(play | even_out)
 
 # Names that Debian's disks hold, and those of Windows don't.
-touch "$HOME/Lumacap/"{aux.c,console,CONSOLE,'what?',Lang/con}
+touch "$HOME/Lumacap/"{'aux .c',console,CONSOLE,'what?',Lang/con,'a\b'}
 diff <(wine "$LUMACAP_BUILD/pkgtool.exe" list "$HOME/Lumacap" --force 2>&1 | tr -d '\r') - <<END
-aux.c: can't be said in a list: its name is a device's
+a\b: can't be said in a list: nothing is found under its name
+aux .c: can't be said in a list: its name is a device's
 console: can't be said in a list: another name differs from it in its case only
 what?: can't be said in a list: its name has the character ?
 Lang\con: can't be said in a list: its name is a device's
 pkgtool: no list was written in $HOME/Lumacap
 END
-rm "$HOME/Lumacap/"{aux.c,CONSOLE,'what?',Lang/con}
+rm "$HOME/Lumacap/"{'aux .c',CONSOLE,'what?',Lang/con,'a\b'}
 
 cp -r /usr/share/nsis "$HOME/Lumacap/A stranger's folder"
 wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$HOME/Lumacap"
@@ -61,6 +62,7 @@ refused() {
     (cd "$DIST" && sha256sum --check --quiet SHA256SUMS)
 }
 
+refused "'' is no folder" PRODUCT=
 refused "' is no address" URL='https://x.example/a b'
 export PRODUCT=$HOME/Lumacap
 refused 'in its own package' DIST="$PRODUCT"
@@ -68,5 +70,9 @@ touch "$PRODUCT/$(printf '%0191d' 0)"
 refused 'is too long to be unpacked'
 rm "$PRODUCT/"{000*,setup.exe}
 refused 'has no setup.exe'
+rm "$PRODUCT/agreement.txt"
+cp "$LUMACAP_BUILD/setup.exe" "$PRODUCT"
+wine "$LUMACAP_BUILD/pkgtool.exe" list --force "$PRODUCT"
+refused 'has no agreement.txt'
 rm "$PRODUCT/LumUnInst.exe"
 refused 'has to be mended first'

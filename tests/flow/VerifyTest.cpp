@@ -118,7 +118,8 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         { [&] { hold = HoldFile(strPage, FILE_SHARE_READ), Install(), Install(); }, strGoes },
         { [&] { hold = HoldFile(strPage, FILE_SHARE_READ), Install(), MoveLater(strPage); }, strGoes },
         { [&] { hold = HoldFile(strLog, FILE_SHARE_READ), Install(); }, strLogEnd },
-        { [&] { Install(L"-instdir C:/corner/T"), MoveLater(strPage); }, Replaced(strGoes, L"T\\", L"C:/corner/T\\") },
+        { [&] { Install(L"-instdir C:/corner/./T"), MoveLater(strPage); },
+          Replaced(strGoes, L"T\\", L"C:/corner/./T\\") },
         { [&] { MoveLater(strHelp, strPage.c_str()); }, strGoes },
         { [&]
           {
@@ -138,14 +139,15 @@ TEST_F(Verify, EachDamageIsToldInItsOwnWords)
         // Registry
         { [&] { SetKeyText(kMachine, kEntry, L"DisplayVersion", L"1"); },
           L"HKLM\\" + kEntry + L" : DisplayVersion is 1, and should be 8.20.01" },
-        { [&] { SetKeyText(kMachine, kProduct, L"AllUsers", L"B"); },
-          L"HKLM\\" + kProduct + L" : AllUsers is B, and should be A" },
         { [&] { SetKeyText(kMachine, kEntry, L"MajorVersion", L"8"); },
           L"HKLM\\" + kEntry + L" : MajorVersion is of another kind, and should be 8" },
         { [&] { RemoveValue(kMachine, kAppPath, L""); },
           L"HKLM\\" + kAppPath + L" : (default) is missing, and should be T\\Lumacap8.exe" },
         { [&] { RemoveValue(kMachine, kProduct, L"Path"); },
           L"HKLM\\" + kProduct + L" : Path is missing, and should be T" },
+        // The next install is of that kind, until the key is gone.
+        { [&] { SetKeyText(kMachine, kProduct, L"AllUsers", L"B"); },
+          L"HKLM\\" + kProduct + L" : AllUsers is B, and should be A" },
         { [&]
           {
               RemoveKey(kMachine, kProduct);

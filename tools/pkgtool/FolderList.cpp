@@ -66,9 +66,10 @@ static void Collect(const CString& strFolder, const CString& strBelow, FolderCon
 
 static bool IsDevice(const CString& strName)
 {
-    const CString strStem = strName.Left((strName + L".").Find(L'.'));
-    return wcsstr(L"|CON|PRN|AUX|NUL|COM1|COM2|COM3|COM4|COM5|COM6|COM7|COM8|COM9|"
-                  L"LPT1|LPT2|LPT3|LPT4|LPT5|LPT6|LPT7|LPT8|LPT9|",
+    CString strStem = strName.Left((strName + L".").Find(L'.'));
+    strStem.TrimRight(L" ");
+    return wcsstr(L"|CON|PRN|AUX|NUL|COM1|COM2|COM3|COM4|COM5|COM6|COM7|COM8|COM9|COM\xB9|COM\xB2|COM\xB3|"
+                  L"LPT1|LPT2|LPT3|LPT4|LPT5|LPT6|LPT7|LPT8|LPT9|LPT\xB9|LPT\xB2|LPT\xB3|",
                   FoldCase(L"|" + strStem + L"|")) != nullptr;
 }
 
@@ -150,7 +151,7 @@ static CString Compose(const CString& strRoot, const FolderContent& content, con
     return strList;
 }
 
-static bool TellUnsayable(const FolderContent& content)
+static bool TellUnsayable(const CString& strRoot, const FolderContent& content)
 {
     bool bAny = false;
     std::set<CString> folded;
@@ -160,6 +161,8 @@ static bool TellUnsayable(const FolderContent& content)
             CString strWhy = WhyUnsayable(strPath, pPaths == &content.files ? kLongestPath : kLongestFolder);
             if (!folded.insert(FoldCase(strPath)).second)
                 strWhy = L"another name differs from it in its case only";
+            if (strWhy.IsEmpty() && !PathExists(strRoot + L"\\" + strPath))
+                strWhy = L"nothing is found under its name"; // as if it has a backslash
             if (strWhy.IsEmpty())
                 continue;
             PrintLine(stderr, strPath + L": can't be said in a list: " + strWhy);
@@ -204,7 +207,7 @@ int WriteFolderList(const wchar_t* pszFolder, bool bAnew)
 
     FolderContent content;
     Collect(strFolder, L"", content);
-    if (TellUnsayable(content))
+    if (TellUnsayable(strFolder, content))
     {
         PrintLine(stderr, CString(L"pkgtool: no list was written in ") + pszFolder);
         return EXIT_FINDINGS;

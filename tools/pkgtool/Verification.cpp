@@ -123,8 +123,8 @@ static void VerifyFile(Verification& result, const TreeEntry& entry)
         result.Add(kFileMissing, strFile);
 }
 
-// A folder is asked for by its files only: one without any goes at the next start after each install but the first, and
-// may be gone already.
+// A folder is asked for by its files only: one without any may go at the next start after an install, or be gone
+// already.
 static void VerifyEntries(Verification& result)
 {
     CFindings findings;
