@@ -124,7 +124,9 @@ static DWORD AwaitExitCode(HANDLE hProcess)
 extern "C" __declspec(dllexport) void Run(HWND, int nCharacters, wchar_t* pszVariables)
 {
     const CArguments arguments;
-    const wchar_t* pszFolder = pszVariables + nCharacters * (arguments.NameRelativePath() ? 1 : 2);
+    const wchar_t* pszFolder = pszVariables + nCharacters;
+    if (!arguments.NameRelativePath())
+        pszFolder += nCharacters;
     wchar_t* const pszCommandLine = NewCommandLine(pszVariables, arguments);
     *pszVariables = L'\0';
     STARTUPINFOW startup = {};
