@@ -42,7 +42,7 @@ write_manifests() {
 [ -d "$package" ] || fail "'${PRODUCT-$package}' is no folder"
 [[ $url =~ ^https?://[^[:space:]\'\|\\]+$ ]] || fail "'$url' is no address"
 [[ $dist/ != "$package"/* ]] || fail "the download can't be made in its own package"
-# C:\Users\NAME\AppData\Local\Temp\nsXXXXX.tmp\package\ stands before each path while it is unpacked.
+# C:\Users\NAME\AppData\Local\Temp\ns12345.tmp\package\ stands before each path while it is unpacked.
 long=$(cd "$package" && find -L . -regextype posix-extended -regex '\./.{191,}' -printf %P -quit)
 [ -z "$long" ] || fail "$long is too long to be unpacked"
 check_package || fail "$package has to be mended first"
@@ -53,7 +53,7 @@ time=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null)} ||
     fail 'without git SOURCE_DATE_EPOCH has to give a time, in seconds'
 [[ $time =~ ^[0-9]+$ ]] || fail "'$time' is no time in seconds"
 mkdir -p "$dist/winget"
-stage=$(mktemp -d "$dist/.stage.XXXXXX")
+stage=$(mktemp -d --tmpdir="$dist")
 trap 'rm -rf "$stage"' EXIT
 stage_package
 makensis -V2 -WX "-DPACKAGE=$stage/package" "-DPLUGINS=$build/plug-ins" "-DVERSION_FILE=$stage/version" \

@@ -47,8 +47,8 @@ Function .onInit
     SetSilent silent
 FunctionEnd
 
-; The plug-in knows how the arguments and the user's working folder are handed on, and why so. Behind
-; that no process but a browser that the wizard opened stays in the unpacked package, which goes.
+; The plug-in knows how the arguments and the user's working folder are handed on, and why so. When the setup has ended, no
+; process but a browser that the wizard opened stays in the unpacked package, which goes.
 Section
     GetFullPathName $1 .
     InitPluginsDir
